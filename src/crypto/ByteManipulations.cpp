@@ -1,0 +1,86 @@
+#include "crypto/ByteManipulations.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace nimbrel {
+
+namespace {
+
+constexpr std::size_t flipRun = 64;
+constexpr std::size_t wordSize = sizeof(std::uint64_t);
+
+// Eight bytes as a number whose low byte is the first one, on any machine.
+std::uint64_t loadWord(const std::uint8_t *bytes) noexcept
+{
+    std::uint64_t word = 0;
+    std::memcpy(&word, bytes, wordSize);
+    return std::endian::native == std::endian::little ? word : __builtin_bswap64(word);
+}
+
+void storeWord(std::uint8_t *bytes, std::uint64_t word) noexcept
+{
+    if (std::endian::native != std::endian::little)
+        word = __builtin_bswap64(word);
+    std::memcpy(bytes, &word, wordSize);
+}
+
+// The same as std::reverse, eight bytes at a time.
+void reverseWholeRun(std::uint8_t *run) noexcept
+{
+    for (std::size_t low = 0, high = flipRun - wordSize; low < high;
+         low += wordSize, high -= wordSize) {
+        const std::uint64_t first = loadWord(run + low);
+        storeWord(run + low, __builtin_bswap64(loadWord(run + high)));
+        storeWord(run + high, __builtin_bswap64(first));
+    }
+}
+
+} // namespace
+
+void flipBytes(ByteSpan bytes) noexcept
+{
+    while (bytes.size() >= flipRun) {
+        reverseWholeRun(bytes.data());
+        bytes = bytes.subspan(flipRun);
+    }
+    std::reverse(bytes.begin(), bytes.end());
+}
+
+void shuffleBytes(ByteSpan bytes) noexcept
+{
+    // Within a word three doubling steps make every byte the XOR of all before it.
+    std::uint64_t carry = 0; // the last new byte
+    std::size_t i = 0;
+    for (; i + wordSize <= bytes.size(); i += wordSize) {
+        std::uint64_t word = loadWord(bytes.data() + i) ^ carry;
+        word ^= word << 8U;
+        word ^= word << 16U;
+        word ^= word << 32U;
+        storeWord(bytes.data() + i, word);
+        carry = word >> 56U;
+    }
+    for (; i < bytes.size(); ++i) {
+        carry ^= bytes[i];
+        bytes[i] = static_cast<std::uint8_t>(carry);
+    }
+}
+
+void unshuffleBytes(ByteSpan bytes) noexcept
+{
+    std::uint64_t before = 0; // the byte before, still shuffled
+    std::size_t i = 0;
+    for (; i + wordSize <= bytes.size(); i += wordSize) {
+        const std::uint64_t word = loadWord(bytes.data() + i);
+        storeWord(bytes.data() + i, word ^ (word << 8U) ^ before);
+        before = word >> 56U;
+    }
+    for (; i < bytes.size(); ++i) {
+        const std::uint8_t shuffled = bytes[i];
+        bytes[i] = static_cast<std::uint8_t>(shuffled ^ before);
+        before = shuffled;
+    }
+}
+
+} // namespace nimbrel

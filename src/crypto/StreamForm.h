@@ -1,0 +1,24 @@
+// The double pass of short pieces and names. Stays inside crypto/.
+#pragma once
+
+#include "crypto/CipherContexts.h"
+
+namespace nimbrel {
+
+struct StreamVectors
+{
+    Vector ofSeed;
+    Vector ofNextSeed; // of the seed plus 1, which wraps at 64 bits
+};
+
+// In place, any length, the empty one too. False on failure, with `data` half processed.
+[[nodiscard]] bool encryptStream(ByteSpan data, const StreamVectors &vectors,
+                                 CipherContexts &contexts);
+[[nodiscard]] bool decryptStream(ByteSpan data, const StreamVectors &vectors,
+                                 CipherContexts &contexts);
+
+// One of the two passes: CFB over 128 bits (NIST SP 800-38A), in place, any length.
+[[nodiscard]] bool encryptFeedback(ByteSpan data, const Vector &vector, CipherContexts &contexts);
+[[nodiscard]] bool decryptFeedback(ByteSpan data, const Vector &vector, CipherContexts &contexts);
+
+} // namespace nimbrel
