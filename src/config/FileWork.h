@@ -1,0 +1,28 @@
+// Steps of writing files that several writers take.
+#pragma once
+
+#include "config/FileError.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace nimbrel {
+
+// The folder that `path` lies in ("." for a bare name).
+[[nodiscard]] std::string folderOfPath(const std::string &path);
+
+// Could not `task` "`path`": what `code` (an errno) means.
+[[nodiscard]] FileError fileError(std::string_view task, const std::string &path, int code);
+
+// True when all of `text` is written and on disk; errno tells why not.
+[[nodiscard]] bool writeToDisk(int descriptor, std::string_view text);
+
+// Makes the names in `folder` durable. True, too, where the filesystem has no such operation.
+[[nodiscard]] bool syncFolder(const std::string &folder);
+
+// A file of that many hexadecimal digits in its name is nobody else's. Nothing when there is no
+// randomness.
+[[nodiscard]] std::optional<std::string> randomName();
+
+} // namespace nimbrel
