@@ -1,0 +1,76 @@
+// What the operations of one mounted disk share.
+#pragma once
+
+#include "fs/GuardedContent.h"
+#include "fs/GuardedTree.h"
+#include "fs/NodeTable.h"
+
+#include <functional>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+namespace nimbrel {
+
+// One open file of the kernel's.
+struct OpenFile
+{
+    NBFileHandle handle;
+    Node *node = nullptr;
+    bool isWritable = false;
+    int pendingError = 0; // errno of a failed write, told once more by flush or fsync
+};
+
+// One open folder: its listing as it was when reading began.
+struct OpenFolder
+{
+    std::vector<NBDirectoryEntry> entries;
+    bool isFresh = true; // listed, and nothing of it given out
+};
+
+// The kernel's handles, owned here: what it never gives back goes with the disk.
+template <class T>
+class Handles final
+{
+public:
+    // The number that the kernel gets for it.
+    [[nodiscard]] std::uint64_t add(std::unique_ptr<T> object)
+    {
+        T *const pointer = object.get();
+        _objects.emplace(pointer, std::move(object));
+        return reinterpret_cast<std::uint64_t>(pointer);
+    }
+    [[nodiscard]] static T &at(std::uint64_t number) noexcept
+    {
+        return *reinterpret_cast<T *>(number);
+    }
+    void remove(std::uint64_t number) { _objects.erase(&at(number)); }
+
+private:
+    std::unordered_map<T *, std::unique_ptr<T>> _objects;
+};
+
+// Lives on the FUSE thread alone.
+struct FuseDisk
+{
+    explicit FuseDisk(std::shared_ptr<NBNimbrelFS> filesystem);
+
+    std::shared_ptr<NBNimbrelFS> delegate;
+    GuardedTree tree;
+    GuardedContent content;
+    NodeTable nodes;
+    Handles<OpenFile> files;
+    Handles<OpenFolder> folders;
+    Bytes readBuffer;               // kept over requests: a fresh one costs more than the read
+    std::function<void()> didStart; // called when the kernel has said hello
+    // Makes the kernel ask for a node's attributes before it uses them again.
+    std::function<void(std::uint64_t number)> forgetAttributes;
+
+    // The item that the kernel means by a node number. ESTALE where another item, or none, stands
+    // under the name that it knows: the kernel then looks again at once.
+    NBErrnoOr<struct stat> attributesOf(Node &node);
+    // The path of a node that is still what the kernel takes it for.
+    NBErrnoOr<std::string> checkedPathOf(Node &node);
+};
+
+} // namespace nimbrel

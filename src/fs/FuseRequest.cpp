@@ -1,0 +1,50 @@
+#include "fs/FuseRequest.h"
+
+#include <sys/stat.h>
+
+namespace nimbrel {
+
+Creator creatorOf(fuse_req_t request)
+{
+    const fuse_ctx *context = fuse_req_ctx(request);
+    ::umask(context->umask);
+    return {context->uid, context->gid};
+}
+
+NBErrnoOr<Node *> nodeOf(FuseDisk &disk, fuse_ino_t number)
+{
+    Node *node = disk.nodes.find(number);
+    if (node == nullptr)
+        return NBErrno{ESTALE};
+    return node;
+}
+
+fuse_entry_param entryFor(FuseDisk &disk, Node &folder, std::string_view name,
+                          const struct stat &attributes)
+{
+    const Node &node = disk.nodes.refer(folder, name, attributes);
+    fuse_entry_param entry{};
+    entry.ino = node.number;
+    entry.generation = 1;
+    entry.attr = attributes;
+    entry.attr_timeout = attributesStay;
+    entry.entry_timeout = attributesStay;
+    return entry;
+}
+
+NBDone replyEntry(fuse_req_t request, Node &folder, const char *name)
+{
+    FuseDisk &disk = diskOf(request);
+    const NBErrnoOr<std::string> path = disk.nodes.pathOf(folder, name);
+    if (!path)
+        return path.error();
+    const NBErrnoOr<struct stat> attributes = disk.tree.attributes(*path);
+    if (!attributes)
+        return attributes.error();
+    const fuse_entry_param entry = entryFor(disk, folder, name, *attributes);
+    if (fuse_reply_entry(request, &entry) != 0)
+        disk.nodes.forget(entry.ino, 1);
+    return {};
+}
+
+} // namespace nimbrel

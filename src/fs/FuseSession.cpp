@@ -1,0 +1,198 @@
+#include "fs/FuseSession.h"
+
+#include "fs/FuseOperations.h"
+#include "fs/MountKeeper.h"
+#include "fs/MountOptions.h"
+#include "fs/MountPointCheck.h"
+#include "fs/Unmounting.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdarg>
+#include <cstdio>
+#include <fmt/format.h>
+#include <pthread.h>
+#include <sched.h>
+#include <signal.h>
+#include <sys/statvfs.h>
+
+namespace nimbrel {
+
+namespace {
+
+// libfuse tells its reasons to a log alone; the last line is kept for the failure's message.
+thread_local std::string lastFuseMessage; // NOLINT: libfuse's log function has no context
+
+__attribute__((format(printf, 2, 0))) void keepMessage(fuse_log_level, const char *format,
+                                                       va_list arguments)
+{
+    std::array<char, 512> line{};
+    std::vsnprintf(line.data(), line.size(), format, arguments);
+    std::string text = line.data();
+    while (!text.empty() && (text.back() == '\n' || text.back() == '.'))
+        text.pop_back();
+    if (!text.empty())
+        lastFuseMessage = std::move(text);
+}
+
+bool contains(const std::vector<std::string> &options, std::string_view option)
+{
+    return std::find(options.begin(), options.end(), option) != options.end();
+}
+
+std::string withReason(std::string_view what)
+{
+    if (lastFuseMessage.empty())
+        return fmt::format("{}.", what);
+    return fmt::format("{}: {}.", what, lastFuseMessage);
+}
+
+// The loop sleeps in a read of the FUSE device. Any request wakes it, and it then sees that it is
+// to end. Comes back with an error at the latest when the session lets the device go.
+void askAnything(const std::string &path)
+{
+    struct statvfs ignored = {};
+    (void)::statvfs(path.c_str(), &ignored);
+}
+
+// The signals of the process belong to its other threads.
+class SignalsBlocked
+{
+public:
+    SignalsBlocked()
+    {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &_before);
+    }
+    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &_before, nullptr); }
+    SignalsBlocked(const SignalsBlocked &) = delete;
+    SignalsBlocked &operator=(const SignalsBlocked &) = delete;
+
+private:
+    sigset_t _before{};
+};
+
+} // namespace
+
+FuseSession::FuseSession(std::shared_ptr<NBNimbrelFS> delegate,
+                         UserFileSystemNotifications notifications, MountKeeper *keeper)
+    : _delegate(std::move(delegate)), _notifications(std::move(notifications)), _keeper(keeper)
+{
+}
+
+FuseSession::~FuseSession()
+{
+    std::thread waker;
+    if (_isMounted && !unmountDisk(_mountPoint)) {
+        fuse_session_exit(_session);
+        waker = std::thread([path = _mountPoint] { askAnything(path); });
+    }
+    if (_thread.joinable())
+        _thread.join();
+    end();
+    if (waker.joinable())
+        waker.join();
+}
+
+std::optional<MountFailure> FuseSession::start(const std::string &path,
+                                               const std::vector<std::string> &options)
+{
+    if (const auto failure = checkFuse(contains(options, "allow_other")))
+        return failure;
+    CheckedMountPoint checked =
+        checkMount(_delegate->rootPath(), path, contains(options, "nonempty"));
+    if (const auto *failure = std::get_if<MountFailure>(&checked))
+        return *failure;
+    _mountPoint = std::get<std::string>(std::move(checked));
+    if (auto failure = makeSession(options))
+        return failure;
+    if (fuse_session_mount(_session, _mountPoint.c_str()) != 0) {
+        end();
+        return MountFailure{MountFailure::Cause::Fuse,
+                            withReason(fmt::format("{} could not be mounted", _mountPoint))};
+    }
+    _isMounted = true;
+    if (_keeper != nullptr)
+        _keeper->keep(_mountPoint);
+    return std::nullopt;
+}
+
+std::optional<MountFailure> FuseSession::makeSession(const std::vector<std::string> &options)
+{
+    _disk = std::make_unique<FuseDisk>(_delegate);
+    _disk->didStart = [this] {
+        _didStart = true;
+        if (_notifications.didMount)
+            _notifications.didMount();
+    };
+    _disk->forgetAttributes = [this](std::uint64_t number) {
+        // Attributes alone: pages would wait for requests that this thread serves.
+        fuse_lowlevel_notify_inval_inode(_session, number, -1, 0);
+    };
+    std::vector<std::string> arguments{"nimbrel"};
+    for (const std::string &option : libfuseOptions(options, _delegate->rootPath()))
+        if (option != "nonempty") { // judged above; this libfuse has no such option
+            arguments.emplace_back("-o");
+            arguments.push_back(option);
+        }
+    fuse_set_log_func(keepMessage);
+    lastFuseMessage.clear();
+    fuse_args list = FUSE_ARGS_INIT(0, nullptr);
+    for (const std::string &argument : arguments)
+        if (fuse_opt_add_arg(&list, argument.c_str()) != 0)
+            throw std::bad_alloc();
+    _session = fuse_session_new(&list, &fuseOperations(), sizeof(fuse_lowlevel_ops), _disk.get());
+    fuse_opt_free_args(&list);
+    if (_session != nullptr)
+        return std::nullopt;
+    return MountFailure{MountFailure::Cause::Fuse,
+                        withReason("FUSE doesn't take these mount options")};
+}
+
+void FuseSession::serve(bool onOwnThread)
+{
+    if (!onOwnThread)
+        return loop();
+    const SignalsBlocked blocked; // the thread inherits this
+    _thread = std::thread([this] { loop(); });
+}
+
+void FuseSession::loop()
+{
+    // A umask of its own: each request makes items under its caller's.
+    (void)::unshare(CLONE_FS);
+    (void)fuse_session_loop(_session);
+    _isMounted = false;
+    fuse_session_unmount(_session);
+    if (_keeper != nullptr)
+        _keeper->forget(_mountPoint);
+    if (!_didStart)
+        return tellFailure({MountFailure::Cause::Fuse,
+                            withReason(fmt::format("The kernel refused {}", _mountPoint))});
+    if (_notifications.didUnmount)
+        _notifications.didUnmount();
+}
+
+void FuseSession::end()
+{
+    if (_session != nullptr)
+        fuse_session_destroy(_session);
+    _session = nullptr;
+    _disk.reset();
+}
+
+void FuseSession::tellFailure(const MountFailure &failure) const
+{
+    if (_notifications.mountFailed)
+        _notifications.mountFailed(failure);
+}
+
+NBDone FuseSession::unmount()
+{
+    if (!_isMounted)
+        return NBErrno{ENOTCONN};
+    return unmountDisk(_mountPoint);
+}
+
+} // namespace nimbrel

@@ -1,0 +1,122 @@
+#include "fs/GuardedTree.h"
+
+#include "crypto/StoredName.h"
+#include "crypto/Utf8.h"
+#include "fs/ConfigurationProtection.h"
+#include "fs/DirectoryNames.h"
+#include "fs/OnDiskPath.h"
+#include "fs/PlainPath.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <unordered_set>
+
+namespace nimbrel {
+
+namespace {
+
+constexpr std::size_t longestStoredName = 255;         // bytes, on every usual store
+constexpr std::size_t longestEncryptedPlainName = 189; // its stored form has 255 bytes
+
+bool canBeName(std::string_view name)
+{
+    return !name.empty() && !isDotName(name) && name.find('/') == std::string_view::npos &&
+           name.find('\0') == std::string_view::npos;
+}
+
+} // namespace
+
+GuardedTree::GuardedTree(NBNimbrelFS &delegate) : _delegate(delegate) {}
+
+std::size_t GuardedTree::longestName() const noexcept
+{
+    return _delegate.settings().areFilenamesEncrypted ? longestEncryptedPlainName
+                                                      : longestStoredName;
+}
+
+NBDone GuardedTree::checkName(std::string_view name) const
+{
+    if (name.size() > longestName())
+        return NBErrno{ENAMETOOLONG};
+    if (_delegate.settings().areFilenamesEncrypted && !isUtf8(name))
+        return NBErrno{EILSEQ};
+    return {};
+}
+
+NBDone GuardedTree::checkChange(const std::string &path)
+{
+    return isConfiguration(_delegate, path) ? NBErrno{EPERM} : NBDone();
+}
+
+NBDone GuardedTree::checkNew(const std::string &path)
+{
+    const NBDone named = checkName(nameOf(path));
+    return named ? checkChange(path) : named;
+}
+
+NBErrnoOr<struct stat> GuardedTree::attributes(const std::string &path)
+{
+    NBErrnoOr<struct stat> attributes = _delegate.attributesOfItemAtPath(path);
+    if (!attributes || !S_ISLNK(attributes->st_mode))
+        return attributes;
+    // A link that doesn't decode stays visible, and can be removed.
+    if (const NBErrnoOr<std::string> target = _delegate.destinationOfSymbolicLinkAtPath(path))
+        attributes->st_size = static_cast<off_t>(target->size());
+    return attributes;
+}
+
+NBErrnoOr<struct stat> GuardedTree::attributes(const NBFileHandle &file)
+{
+    struct stat attributes = {};
+    if (::fstat(file.descriptor.get(), &attributes) != 0)
+        return NBErrno::last();
+    return attributes;
+}
+
+NBErrnoOr<struct statvfs> GuardedTree::fileSystem(const std::string &path)
+{
+    NBErrnoOr<struct statvfs> figures = _delegate.attributesOfFileSystemForPath(path);
+    if (figures)
+        figures->f_namemax = longestName();
+    return figures;
+}
+
+NBErrnoOr<std::vector<NBDirectoryEntry>> GuardedTree::list(const std::string &path)
+{
+    NBErrnoOr<std::vector<NBDirectoryEntry>> entries = _delegate.entriesOfDirectoryAtPath(path);
+    if (!entries)
+        return entries;
+    // What the encoder wouldn't write can't be opened by its plain name: that leads to another
+    // stored name. Of a canonical one that decodes, the encoder gives every byte again.
+    const bool areEncrypted = _delegate.settings().areFilenamesEncrypted;
+    std::erase_if(*entries, [&](const NBDirectoryEntry &entry) {
+        return !canBeName(entry.name) || (areEncrypted && !isCanonicalStoredName(entry.storedName));
+    });
+    std::unordered_set<std::string> seen;
+    seen.reserve(entries->size());
+    std::erase_if(*entries,
+                  [&](const NBDirectoryEntry &entry) { return !seen.insert(entry.name).second; });
+    return entries;
+}
+
+NBErrnoOr<std::string> GuardedTree::linkTarget(const std::string &path)
+{
+    NBErrnoOr<std::string> target = _delegate.destinationOfSymbolicLinkAtPath(path);
+    if (!target && target.code() == 0)
+        return NBErrno{EIO}; // not one of ours, or damaged
+    return target;
+}
+
+NBDone GuardedTree::syncFolder(const std::string &path)
+{
+    const NBErrnoOr<UniqueFd> folder =
+        openOnDisk(_delegate._securePathWithPath(path), O_RDONLY | O_DIRECTORY);
+    if (!folder)
+        return folder.error();
+    return ::fsync(folder->get()) == 0 ? NBDone() : NBErrno::last();
+}
+
+} // namespace nimbrel

@@ -1,0 +1,74 @@
+// Names, folders, links and attributes as programs expect them, over a delegate that is exact.
+#pragma once
+
+#include "fs/NBNimbrelFS.h"
+#include "fs/Ownership.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <vector>
+
+namespace nimbrel {
+
+// All paths are plain, absolute and rooted at the mount point. Every error is a positive errno,
+// never 0. One call at a time, from the FUSE thread.
+class GuardedTree final
+{
+public:
+    explicit GuardedTree(NBNimbrelFS &delegate); // outlives this
+
+    // The longest plain name in bytes: 189 with encrypted names, the store's own (255) else.
+    [[nodiscard]] std::size_t longestName() const noexcept;
+    // ENAMETOOLONG, EILSEQ (not UTF-8, with encrypted names: it could be stored and never listed).
+    NBDone checkName(std::string_view name) const;
+
+    // lstat(2), but a link's size is that of its plain target.
+    NBErrnoOr<struct stat> attributes(const std::string &path);
+    NBErrnoOr<struct stat> attributes(const NBFileHandle &file);
+    NBErrnoOr<struct statvfs> fileSystem(const std::string &path); // f_namemax is longestName()
+    // Without "." and "..", names that can't be names, and stored names that can't be opened.
+    NBErrnoOr<std::vector<NBDirectoryEntry>> list(const std::string &path);
+
+    NBErrnoOr<NBFileHandle> open(const std::string &path, int flags);
+    // `mode` is applied under the process's umask, so that default ACLs of the folder count; the
+    // new item belongs to `creator`, its group to the folder's where that is setgid.
+    NBErrnoOr<NBFileHandle> create(const std::string &path, int flags, mode_t mode,
+                                   Creator creator);
+    NBDone makeFolder(const std::string &path, mode_t mode, Creator creator);
+    NBDone makeNode(const std::string &path, mode_t mode, dev_t device, Creator creator);
+    NBDone makeLink(const std::string &path, const std::string &target, Creator creator);
+    NBDone hardLink(const std::string &path, const std::string &newPath);
+    NBErrnoOr<std::string> linkTarget(const std::string &path);
+    // `flags`: RENAME_NOREPLACE, RENAME_EXCHANGE of renameat2(2), or 0; others are EINVAL.
+    NBDone move(const std::string &path, const std::string &newPath, unsigned flags);
+    NBDone removeFile(const std::string &path);   // never a folder: EISDIR
+    NBDone removeFolder(const std::string &path); // ENOTEMPTY where a cloud's own files are in it
+
+    // Of an item by its path, never through a link; a size is set by GuardedContent.
+    NBDone setAttributes(const std::string &path, const NBItemAttributes &attributes);
+    // Of an open file, also of one that has no name any more.
+    NBDone setAttributes(NBFileHandle &file, const NBItemAttributes &attributes);
+    NBDone syncFolder(const std::string &path);
+
+    NBErrnoOr<std::vector<std::string>> extendedAttributes(const std::string &path);
+    NBErrnoOr<Bytes> extendedAttribute(const std::string &path, const std::string &name);
+    NBDone setExtendedAttribute(const std::string &path, const std::string &name, ByteView value,
+                                int options);
+    NBDone removeExtendedAttribute(const std::string &path, const std::string &name);
+
+private:
+    // EPERM for the folder's own configuration, ENAMETOOLONG or EILSEQ for names that can't be.
+    NBDone checkChange(const std::string &path);
+    NBDone checkNew(const std::string &path);
+    NBErrnoOr<NBFileHandle> openOnce(const std::string &path, int flags);
+    // Gives what was just made to its creator; where that fails `undo` takes it away again.
+    NBDone handOver(const std::string &path, Creator creator,
+                    NBDone (GuardedTree::*undo)(const std::string &));
+
+    NBNimbrelFS &_delegate;
+};
+
+} // namespace nimbrel

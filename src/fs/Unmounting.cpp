@@ -1,0 +1,73 @@
+#include "fs/Unmounting.h"
+
+#include "fs/Fusermount.h"
+#include "fs/MountTable.h"
+
+#include <array>
+#include <string_view>
+#include <sys/mount.h>
+#include <unistd.h>
+#include <vector>
+
+namespace nimbrel {
+
+namespace {
+
+struct Reason
+{
+    std::string_view words;
+    int code;
+};
+
+int codeOf(std::string_view said)
+{
+    constexpr std::array<Reason, 5> reasons = {{{"busy", EBUSY},
+                                                {"not found in", EPERM},
+                                                {"Operation not permitted", EPERM},
+                                                {"Permission denied", EACCES},
+                                                {"Invalid argument", EINVAL}}};
+    for (const Reason &reason : reasons)
+        if (said.find(reason.words) != std::string_view::npos)
+            return reason.code;
+    return EIO;
+}
+
+// Success is a mount that is gone from the table: what a helper says of itself doesn't count.
+NBDone askFusermount(const Mount &mount, std::vector<std::string> arguments)
+{
+    arguments.insert(arguments.end(), {"--", mount.point});
+    const NBErrnoOr<std::string> said = runFusermount(arguments);
+    const std::optional<Mount> left = mountAt(mount.point);
+    if (!left || left->id != mount.id)
+        return {};
+    return NBErrno{said ? codeOf(*said) : said.code()};
+}
+
+NBDone takeAway(const std::string &mountPoint, int flags, std::vector<std::string> arguments)
+{
+    const std::optional<Mount> mount = mountAt(mountPoint);
+    if (!mount)
+        return NBErrno{EINVAL};
+    if (::geteuid() == 0) {
+        if (::umount2(mountPoint.c_str(), flags | UMOUNT_NOFOLLOW) == 0)
+            return {};
+        // Root of a container may lack the right that the helper outside has.
+        if (errno != EPERM)
+            return NBErrno::last();
+    }
+    return askFusermount(*mount, std::move(arguments));
+}
+
+} // namespace
+
+NBDone unmountDisk(const std::string &mountPoint)
+{
+    return takeAway(mountPoint, 0, {"-u"});
+}
+
+NBDone detachDisk(const std::string &mountPoint)
+{
+    return takeAway(mountPoint, MNT_DETACH, {"-u", "-z"});
+}
+
+} // namespace nimbrel
