@@ -1,0 +1,32 @@
+#include "cli/ProcessGuards.h"
+
+#include "cli/CommandError.h"
+#include "cli/PrintableText.h"
+
+#include <cerrno>
+#include <csignal>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+
+namespace nimbrel {
+
+void forbidDumps()
+{
+    const rlimit none{0, 0};
+    if (::prctl(PR_SET_DUMPABLE, 0, 0, 0, 0) != 0 || ::setrlimit(RLIMIT_CORE, &none) != 0)
+        throw CommandError(ExitStatus::Failed,
+                           "This process can't be kept out of core files: " + errorText(errno));
+}
+
+void prepareToServe()
+{
+    // A refusal leaves the old limit, which is no reason not to mount.
+    rlimit files{};
+    if (::getrlimit(RLIMIT_NOFILE, &files) == 0 && files.rlim_cur < files.rlim_max) {
+        files.rlim_cur = files.rlim_max;
+        (void)::setrlimit(RLIMIT_NOFILE, &files);
+    }
+    ::signal(SIGPIPE, SIG_IGN);
+}
+
+} // namespace nimbrel
