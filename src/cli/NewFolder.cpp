@@ -4,9 +4,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
-#include <ranges>
 #include <sys/stat.h>
 #include <system_error>
 
@@ -51,9 +51,11 @@ NewFolder::NewFolder(const std::string &path)
 
 NewFolder::MadePaths::~MadePaths()
 {
-    std::error_code ignored; // a leftover is better than an error that hides the first one
-    for (const std::string &path : std::views::reverse(paths))
+    // A leftover is better than an error that hides the first one.
+    std::for_each(paths.rbegin(), paths.rend(), [](const std::string &path) {
+        std::error_code ignored;
         files::remove(path, ignored);
+    });
 }
 
 std::string NewFolder::willHold(std::string_view name)
@@ -70,9 +72,10 @@ void NewFolder::makeWithParents(const std::string &path)
             _made.paths.push_back(grown);
             continue;
         }
-        const std::error_code cause(errno, std::generic_category());
+        // Something that is there and isn't a folder.
+        const int code = errno == EEXIST ? ENOTDIR : errno;
         if (std::error_code ignored; !files::is_directory(grown, ignored))
-            fail(path, cause);
+            fail(path, {code, std::generic_category()});
     }
 }
 

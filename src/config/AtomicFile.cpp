@@ -26,7 +26,7 @@ bool followLinks(std::string &path)
         if (length < 0)
             return errno == EINVAL || errno == ENOENT; // not a link, or nothing
         const std::string target(buffer.data(), static_cast<std::size_t>(length));
-        path = target.starts_with('/') ? target : folderOfPath(path) + "/" + target;
+        path = target.starts_with('/') ? target : pathIn(folderOfPath(path), target);
     }
     errno = ELOOP;
     return false;
@@ -105,19 +105,21 @@ std::optional<Target> findTarget(const std::string &path)
     return target;
 }
 
-// 0 or an errno.
-int replaceTarget(const Target &target, std::string_view text, unsigned mode)
+std::optional<FileError> replaceTarget(const Target &target, std::string_view text, unsigned mode)
 {
     const auto name = randomName();
     if (!name)
-        return EIO;
+        return fileError("write", target.path, EIO);
     const std::string folder = folderOfPath(target.path);
     // Nobody may read the new file who may not read the old one, at no time.
-    TemporaryFile file(folder + "/.nimbrel-" + *name + ".tmp", target.old ? 0600 : mode);
-    const bool isDone = file.isOpen() && writeToDisk(file.descriptor(), text) &&
-                        (!target.old || takeOver(file.descriptor(), *target.old)) &&
-                        file.renameTo(target.path) && syncFolder(folder);
-    return isDone ? 0 : errno; // before the temporary file's removal changes it
+    TemporaryFile file(pathIn(folder, ".nimbrel-" + *name + ".tmp"), target.old ? 0600 : mode);
+    if (!file.isOpen() || !writeToDisk(file.descriptor(), text) ||
+        (target.old && !takeOver(file.descriptor(), *target.old)) || !file.renameTo(target.path))
+        return fileError("write", target.path, errno);
+    // The new file is there; that a crash doesn't bring the old one back can't be promised.
+    if (!syncFolder(folder))
+        return fileError("make sure of", target.path, errno);
+    return std::nullopt;
 }
 
 } // namespace
@@ -125,10 +127,9 @@ int replaceTarget(const Target &target, std::string_view text, unsigned mode)
 std::optional<FileError> replaceFile(const std::string &path, std::string_view text, unsigned mode)
 {
     const auto target = findTarget(path);
-    const int code = target ? replaceTarget(*target, text, mode) : errno;
-    if (code != 0)
-        return fileError("write", path, code);
-    return std::nullopt;
+    if (!target)
+        return fileError("write", path, errno);
+    return replaceTarget(*target, text, mode);
 }
 
 } // namespace nimbrel

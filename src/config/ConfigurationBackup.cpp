@@ -112,17 +112,17 @@ void pruneBackups(const std::string &backupFolder, std::string_view prefix,
     }
     std::sort(names.begin(), names.end(), std::greater<>());
     for (std::size_t index = keptBackups - 1; index < names.size(); ++index)
-        ::unlink((backupFolder + "/" + names[index]).c_str());
+        ::unlink(pathIn(backupFolder, names[index]).c_str());
 }
 
 // A new file in `backupFolder`; its name goes to `name`. No descriptor, with errno, on failure.
 UniqueFd createBackup(const std::string &backupFolder, const std::string &prefix, std::string &name)
 {
-    for (;;) {
-        name = prefix + timeText(std::chrono::system_clock::now()) + std::string(extension);
-        UniqueFd descriptor(::open((backupFolder + "/" + name).c_str(),
+    for (auto moment = std::chrono::system_clock::now();; moment += std::chrono::nanoseconds(1)) {
+        name = fmt::format("{}{}{}", prefix, timeText(moment), extension);
+        UniqueFd descriptor(::open(pathIn(backupFolder, name).c_str(),
                                    O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
-        if (descriptor || errno != EEXIST) // a moment taken passes
+        if (descriptor || errno != EEXIST) // that moment is taken
             return descriptor;
     }
 }
@@ -134,7 +134,7 @@ std::optional<FileError> writeBackup(const std::string &backupFolder, const std:
         return fileError("make the folder for backups", backupFolder, errno);
     std::string name;
     const UniqueFd descriptor = createBackup(backupFolder, prefix, name);
-    const std::string backup = backupFolder + "/" + name;
+    const std::string backup = pathIn(backupFolder, name);
     if (!descriptor)
         return fileError("write the backup", backup, errno);
     if (::fchmod(descriptor.get(), 0600) != 0 || !writeToDisk(descriptor.get(), text) ||

@@ -36,6 +36,11 @@ std::string folderOfPath(const std::string &path)
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
+std::string pathIn(std::string_view folder, std::string_view name)
+{
+    return fmt::format("{}/{}", folder, name);
+}
+
 FileError fileError(std::string_view task, const std::string &path, int code)
 {
     return {code, fmt::format("Could not {} \"{}\": {}.", task, path,

@@ -12,6 +12,9 @@ namespace nimbrel {
 // The folder that `path` lies in ("." for a bare name).
 [[nodiscard]] std::string folderOfPath(const std::string &path);
 
+// The path of `name` in `folder`.
+[[nodiscard]] std::string pathIn(std::string_view folder, std::string_view name);
+
 // Could not `task` "`path`": what `code` (an errno) means.
 [[nodiscard]] FileError fileError(std::string_view task, const std::string &path, int code);
 

@@ -1,6 +1,7 @@
 #include "config/InformationFile.h"
 
 #include "config/AtomicFile.h"
+#include "config/FileWork.h"
 
 namespace nimbrel {
 
@@ -22,7 +23,7 @@ std::string_view informationText() noexcept
 
 std::optional<FileError> writeInformationFile(const std::string &folder, std::string_view text)
 {
-    return replaceFile(folder + "/" + std::string(informationFileName), text);
+    return replaceFile(pathIn(folder, informationFileName), text);
 }
 
 } // namespace nimbrel

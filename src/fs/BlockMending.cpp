@@ -44,6 +44,18 @@ void writeWhatGoes(int descriptor, ByteView bytes, std::int64_t offset)
     }
 }
 
+// The file reaches to the block's end at least then, as it did when it had that hole.
+NBDone makeHole(int descriptor, ByteRange block)
+{
+    struct stat attributes = {};
+    if (::fstat(descriptor, &attributes) != 0)
+        return NBErrno::last();
+    if (attributes.st_size < block.to)
+        if (const NBDone grown = truncateTo(descriptor, block.to); !grown)
+            return grown;
+    return allocateOnStore(descriptor, FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE, block);
+}
+
 NBDone cutTo(int descriptor, std::int64_t size)
 {
     struct stat attributes = {};
@@ -96,7 +108,7 @@ NBDone BlockMending::putBack(int descriptor, ByteRange block, std::int64_t block
         return {}; // one that the store can't have taken in part
     const bool isHole = block.size() == blockSize &&
                         std::all_of(kept.begin(), kept.end(), [](auto byte) { return byte == 0; });
-    if (!isHole || !allocateOnStore(descriptor, FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE, block))
+    if (!isHole || !makeHole(descriptor, block))
         writeWhatGoes(descriptor, kept, block.from);
     const std::optional<ByteSpan> now = _check.take(kept.size());
     if (!now)

@@ -27,7 +27,7 @@ NBErrnoOr<BlockLayout> layoutOf(const NBFileHandle &file, std::int64_t blockSize
 NBDone GuardedContent::allocate(NBFileHandle &file, int mode, std::int64_t offset,
                                 std::int64_t length)
 {
-    if (offset < 0 || length <= 0)
+    if (offset < 0 || length <= 0 || !hasBlocks())
         return NBErrno{EINVAL};
     if (length > std::numeric_limits<std::int64_t>::max() - offset)
         return NBErrno{EFBIG};
@@ -109,7 +109,7 @@ NBDone GuardedContent::writeZeros(NBFileHandle &file, ByteRange range)
 
 NBErrnoOr<std::int64_t> GuardedContent::seek(NBFileHandle &file, std::int64_t offset, int whence)
 {
-    if (whence != SEEK_DATA && whence != SEEK_HOLE)
+    if ((whence != SEEK_DATA && whence != SEEK_HOLE) || !hasBlocks())
         return NBErrno{EINVAL};
     const NBErrnoOr<BlockLayout> layout = layoutOf(file, blockSize());
     if (!layout)

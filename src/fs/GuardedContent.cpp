@@ -53,7 +53,7 @@ GuardedContent::GuardedContent(NBNimbrelFS &delegate) : _delegate(delegate), _bl
 NBErrnoOr<std::size_t> GuardedContent::read(NBFileHandle &file, ByteSpan buffer,
                                             std::int64_t offset)
 {
-    if (offset < 0)
+    if (offset < 0 || !hasBlocks())
         return NBErrno{EINVAL};
     NBErrno error{EIO};
     std::int64_t oldSize = -1;
@@ -69,7 +69,7 @@ NBErrnoOr<std::size_t> GuardedContent::read(NBFileHandle &file, ByteSpan buffer,
         oldSize = *size;
         const auto left = static_cast<std::uint64_t>(*size - offset);
         const ByteSpan wanted = buffer.first(std::min<std::uint64_t>(left, buffer.size()));
-        const NBErrnoOr<std::size_t> got = readUpTo(file, wanted, offset);
+        const NBErrnoOr<std::size_t> got = readUpTo(file, wanted, offset, *size);
         if (got)
             return got;
         error = got.error();
@@ -80,34 +80,59 @@ NBErrnoOr<std::size_t> GuardedContent::read(NBFileHandle &file, ByteSpan buffer,
 // All of a range that lies in the file. A short read never passes: to the kernel it would be the
 // file's end.
 NBErrnoOr<std::size_t> GuardedContent::readUpTo(NBFileHandle &file, ByteSpan buffer,
-                                                std::int64_t offset)
+                                                std::int64_t offset, std::int64_t fileSize)
 {
-    const auto inBlock = static_cast<std::size_t>(offset % blockSize());
+    const BlockLayout layout{fileSize, blockSize()};
     std::size_t done = 0;
     while (done < buffer.size()) {
         const std::int64_t at = offset + static_cast<std::int64_t>(done);
-        const std::size_t begun = done == 0 ? inBlock : 0;
-        const std::size_t size = std::min(buffer.size() - done, largestPiece - begun);
-        const NBErrnoOr<std::size_t> got =
-            _delegate.readFileAtPath(noPath, file, buffer.subspan(done, size), at);
-        if (!got)
-            return got.code() == 0 ? NBErrno{EIO} : got.error();
-        if (*got == size) {
-            done += size;
-            continue;
+        const std::int64_t start = layout.blockStart(at);
+        const auto before = static_cast<std::size_t>(at - start);
+        const ByteSpan piece =
+            buffer.subspan(done, std::min(buffer.size() - done, largestPiece - before));
+        const auto end = at + static_cast<std::int64_t>(piece.size());
+        const std::int64_t readEnd = std::min(layout.blockEnd(end), fileSize);
+        // The delegate's count only tells of whole blocks, so it is asked for no other.
+        NBDone got;
+        if (start == at && readEnd == end) {
+            got = readBlocks(file, piece, start);
+        } else {
+            const std::optional<ByteSpan> room =
+                _composed.take(static_cast<std::size_t>(readEnd - start));
+            if (!room)
+                return NBErrno{ENOMEM};
+            got = readBlocks(file, *room, start);
+            if (got)
+                std::memcpy(piece.data(), room->data() + before, piece.size());
         }
-        // What came is counted from the first block's start, and only whole blocks of it are plain.
-        const std::size_t whole = *got - *got % static_cast<std::size_t>(blockSize());
-        if (whole <= begun)
-            return NBErrno{EIO};
-        done += whole - begun;
+        if (!got)
+            return got.error();
+        done += piece.size();
     }
     return done;
 }
 
+// A run of blocks to a block's end or the file's, also from a store that gives it in parts.
+NBDone GuardedContent::readBlocks(NBFileHandle &file, ByteSpan to, std::int64_t start)
+{
+    while (!to.empty()) {
+        const NBErrnoOr<std::size_t> got = _delegate.readFileAtPath(noPath, file, to, start);
+        if (!got)
+            return got.code() == 0 ? NBErrno{EIO} : got.error();
+        if (*got == to.size())
+            return {};
+        const std::size_t whole = *got - *got % static_cast<std::size_t>(blockSize());
+        if (whole == 0)
+            return NBErrno{EIO};
+        to = to.subspan(whole);
+        start += static_cast<std::int64_t>(whole);
+    }
+    return {};
+}
+
 NBErrnoOr<std::size_t> GuardedContent::write(NBFileHandle &file, ByteView data, std::int64_t offset)
 {
-    if (offset < 0)
+    if (offset < 0 || !hasBlocks())
         return NBErrno{EINVAL};
     const auto room = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max() - offset);
     if (data.size() > room)

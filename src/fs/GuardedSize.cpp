@@ -28,7 +28,7 @@ NBDone asDone(BlockWriter::Result result)
 
 NBDone GuardedContent::setSize(NBFileHandle &file, std::int64_t size)
 {
-    if (size < 0)
+    if (size < 0 || !hasBlocks())
         return NBErrno{EINVAL};
     const NBErrnoOr<std::int64_t> now = sizeOf(file);
     if (!now)

@@ -62,9 +62,22 @@ NBErrnoOr<struct stat> GuardedTree::attributes(const std::string &path)
     NBErrnoOr<struct stat> attributes = _delegate.attributesOfItemAtPath(path);
     if (!attributes || !S_ISLNK(attributes->st_mode))
         return attributes;
+    if (nameOf(path).empty())
+        return rootAttributes();
     // A link that doesn't decode stays visible, and can be removed.
     if (const NBErrnoOr<std::string> target = _delegate.destinationOfSymbolicLinkAtPath(path))
         attributes->st_size = static_cast<off_t>(target->size());
+    return attributes;
+}
+
+// The encrypted folder may be given by a link; the disk's root is a folder all the same.
+NBErrnoOr<struct stat> GuardedTree::rootAttributes()
+{
+    struct stat attributes = {};
+    const NBDone done = callOnPath(_delegate.rootPath(),
+                                   [&](const char *root) { return ::stat(root, &attributes); });
+    if (!done)
+        return done.error();
     return attributes;
 }
 

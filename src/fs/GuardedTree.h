@@ -63,6 +63,7 @@ private:
     // EPERM for the folder's own configuration, ENAMETOOLONG or EILSEQ for names that can't be.
     NBDone checkChange(const std::string &path);
     NBDone checkNew(const std::string &path);
+    NBErrnoOr<struct stat> rootAttributes();
     NBErrnoOr<NBFileHandle> openOnce(const std::string &path, int flags);
     // Gives what was just made to its creator; where that fails `undo` takes it away again.
     NBDone handOver(const std::string &path, Creator creator,

@@ -114,6 +114,7 @@ void NBNimbrelFS::setAreFilenamesEncrypted(bool areFilenamesEncrypted)
     _settings.nameAlgorithm = areFilenamesEncrypted ? "nameio/stream" : "nameio/null";
     _settings.nameAlgorithmMajor = areFilenamesEncrypted ? 2 : 1;
     _settings.nameAlgorithmMinor = areFilenamesEncrypted ? 1 : 0;
+    _pathCache.purge(); // what it knows is of the other mode
 }
 
 bool NBNimbrelFS::setPassphrase(std::string_view passphrase)

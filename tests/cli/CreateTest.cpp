@@ -151,10 +151,10 @@ TEST(CreateTest, AFailedWriteLeavesNothingBehind)
     const Workbench bench;
     const std::string existing = bench.makeFolder("existing");
     const std::string password = bench.passwordFile("a good one");
-    for (const std::string folder : {bench / "new/below/deep", existing}) {
+    for (const std::string &folder : {bench / "new/below/deep", existing}) {
         const RunResult failed =
-            shell("trap '' XFSZ; ulimit -f 0; exec '" + bench.program() + "' create '" + folder +
-                      "' --password-file '" + password + "' 2>&1 | cat >&2",
+            shell("(trap '' XFSZ; ulimit -f 0; exec '" + bench.program() + "' create '" + folder +
+                      "' --password-file '" + password + "' 2>&1) | cat >&2",
                   bench.runOptions());
         EXPECT_NE(failed.error.find("nimbrelctl: "), std::string::npos) << failed.error;
         EXPECT_NE(failed.error.find("File too large"), std::string::npos) << failed.error;

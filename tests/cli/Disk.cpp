@@ -3,15 +3,34 @@
 #include "fs/MountTable.h"
 
 #include <algorithm>
+#include <array>
+#include <csignal>
 #include <fcntl.h>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <pwd.h>
 #include <unistd.h>
 
 namespace nimbrel::test {
 
 namespace files = std::filesystem;
+
+namespace {
+
+// Empty where the process ends meanwhile; a stream would throw then.
+std::string argumentsOf(const std::string &path)
+{
+    std::string text;
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    std::array<char, 4096> buffer{};
+    for (ssize_t got = 1; file >= 0 && got > 0;) {
+        got = ::read(file, buffer.data(), buffer.size());
+        text.append(buffer.data(), static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
+    }
+    ::close(file);
+    return text;
+}
+
+} // namespace
 
 std::string whyNoDisk()
 {
@@ -24,6 +43,8 @@ std::string whyNoDisk()
         ::close(device);
     } else if (shell("command -v fusermount3").status != 0) {
         return "fusermount3 isn't installed";
+    } else if (::getpwuid(::geteuid()) == nullptr) { // NOLINT: one thread
+        return "this user has no name, which fusermount3 asks for";
     }
     return {};
 }
@@ -62,12 +83,20 @@ std::vector<pid_t> Disk::processes() const
         const std::string name = it->path().filename();
         if (!std::all_of(name.begin(), name.end(), [](char c) { return c >= '0' && c <= '9'; }))
             continue;
-        std::ifstream stream(it->path() / "cmdline", std::ios::binary);
-        const std::string arguments(std::istreambuf_iterator<char>(stream), {});
-        if (arguments.find(_path + '\0') != std::string::npos)
+        if (argumentsOf(it->path() / "cmdline").find(_path + '\0') != std::string::npos)
             found.push_back(static_cast<pid_t>(std::stol(name)));
     }
     return found;
+}
+
+bool Disk::killServer() const
+{
+    const std::vector<pid_t> found = processes();
+    // Stopped first, or the one that dies last would still see the other's end.
+    for (const int signal : {SIGSTOP, SIGKILL})
+        for (const pid_t process : found)
+            ::kill(process, signal);
+    return eventually([&] { return processes().empty(); });
 }
 
 } // namespace nimbrel::test

@@ -38,6 +38,8 @@ public:
     [[nodiscard]] bool isMounted() const;
     // The processes that were started for it: their arguments name its path.
     [[nodiscard]] std::vector<pid_t> processes() const;
+    // Leaves a dead disk: its server dies, and the keeper that would clear it away, too.
+    [[nodiscard]] bool killServer() const;
 
 private:
     const Workbench &_bench;

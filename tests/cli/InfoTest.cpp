@@ -24,7 +24,7 @@ TEST(InfoTest, TellsAboutAFolderWithoutAPassword)
                                "Names:          encrypted\n"
                                "Name algorithm: nameio/stream\n"
                                "Name version:   2.1\n"
-                               "Key iterations: 5000\n"
+                               "Key iterations: 1000\n"
                                "Salt:           20 bytes\n");
 }
 

@@ -86,9 +86,7 @@ TEST_F(MountPointTest, ADeadDiskIsClearedAway)
 {
     const Disk disk(bench);
     ASSERT_EQ(disk.mount(folder).status, 0);
-    for (const pid_t process : disk.processes())
-        ::kill(process, SIGKILL);
-    ASSERT_TRUE(eventually([&] { return disk.processes().empty(); }));
+    ASSERT_TRUE(disk.killServer());
     ASSERT_TRUE(disk.isMounted());
     const RunResult again = disk.mount(folder);
     EXPECT_EQ(again.status, 0) << again.error;

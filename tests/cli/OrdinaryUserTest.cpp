@@ -87,9 +87,7 @@ TEST_F(OrdinaryUserTest, ADeadDiskIsClearedAway)
         GTEST_SKIP() << "fusermount3 isn't installed";
     const Disk disk(*bench);
     ASSERT_EQ(disk.mount(bench->encryptedFolder("p")).status, 0);
-    for (const pid_t process : disk.processes())
-        ::kill(process, SIGKILL);
-    ASSERT_TRUE(eventually([&] { return disk.processes().empty(); }));
+    ASSERT_TRUE(disk.killServer());
     const RunResult done = disk.unmount();
     EXPECT_EQ(done.status, 0) << done.error;
     EXPECT_FALSE(disk.isMounted());

@@ -127,9 +127,9 @@ TEST_F(PasswdTest, AFailedWriteChangesNothing)
     const std::string folder = bench.encryptedFolder("first");
     const std::string before = snapshot(folder);
     const RunResult failed =
-        shell("trap '' XFSZ; ulimit -f 0; exec '" + bench.program() + "' passwd '" + folder +
+        shell("(trap '' XFSZ; ulimit -f 0; exec '" + bench.program() + "' passwd '" + folder +
                   "' --password-file '" + bench.passwordFile("first") + "' --new-password-file '" +
-                  bench.passwordFile("second") + "' 2>&1 | cat >&2",
+                  bench.passwordFile("second") + "' 2>&1) | cat >&2",
               bench.runOptions());
     EXPECT_NE(failed.error.find("The password was not changed"), std::string::npos) << failed.error;
     EXPECT_EQ(snapshot(folder), before);

@@ -138,8 +138,8 @@ TEST_F(PasswordPromptTest, AStoppedPromptGivesTheTerminalBackAndAsksAgain)
 {
     Terminal terminal({"bash", "--norc", "--noprofile", "-i"}, {"PS1=ready> "});
     ASSERT_TRUE(terminal.shows("ready> "));
-    terminal.type(bench.program() + " encode " + bench.encryptedFolder("opensesame") +
-                  " name; echo \"sta\"tus=$?\n");
+    terminal.type("'" + bench.program() + "' encode '" + bench.encryptedFolder("opensesame") +
+                  "' name\n");
     ASSERT_TRUE(terminal.shows("Password for "));
     terminal.type("open\x1a");
     ASSERT_TRUE(terminal.shows("Stopped"));

@@ -54,8 +54,9 @@ TEST_F(UnmountDiskTest, AnySpellingOfThePathWill)
         bench / "link"};
     (void)bench.makeFolder("state");
     for (const std::string &spelling : spellings) {
-        if (!disk.isMounted())
+        if (!disk.isMounted()) {
             ASSERT_EQ(disk.mount(folder).status, 0);
+        }
         const RunResult done = bench.nimbrelctl({"unmount", spelling});
         EXPECT_EQ(done.status, 0) << spelling << ' ' << done.error;
         EXPECT_FALSE(disk.isMounted()) << spelling;
@@ -84,9 +85,7 @@ TEST_F(UnmountDiskTest, ABusyDiskStaysAndTheHolderIsNamed)
 
 TEST_F(UnmountDiskTest, ADeadDiskIsClearedAway)
 {
-    for (const pid_t process : disk.processes())
-        ::kill(process, SIGKILL);
-    ASSERT_TRUE(eventually([&] { return disk.processes().empty(); }));
+    ASSERT_TRUE(disk.killServer());
     ASSERT_TRUE(disk.isMounted());
     const RunResult done = disk.unmount();
     EXPECT_EQ(done.status, 0) << done.error;

@@ -153,6 +153,11 @@ TEST(ReadingOrderTest, MalformedFileGivesTheParsersOwnError)
     EXPECT_EQ(refused({}).code, 4);
 }
 
+TEST(ReadingOrderTest, FirstOfSeveralErrorsTells)
+{
+    EXPECT_EQ(refused("<r>&x;</s>").message, "Entity 'x' not defined");
+}
+
 } // namespace
 
 } // namespace nimbrel::test

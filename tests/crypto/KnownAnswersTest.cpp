@@ -1,4 +1,4 @@
-// The answers of tests/data/vectors.json, which another implementation of the format gave.
+// The answers of tests/data/vectors.json, which were made independently of this code.
 #include "crypto/Base64.h"
 #include "crypto/ByteManipulations.h"
 #include "crypto/NBCryptor.h"

@@ -1,13 +1,10 @@
 #include "fs/OnDiskPath.h"
 #include "fs/TestDelegate.h"
-#include "fs/TreeRemoval.h"
-#include "support/Files.h"
 
 #include <climits>
 #include <fcntl.h>
 #include <filesystem>
 #include <gmock/gmock.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace nimbrel::test {
@@ -132,66 +129,6 @@ TEST(OnDiskPathTest, NoDescriptorStaysOpen)
         EXPECT_EQ(::access(through.c_str(), F_OK), 0);
     }
     EXPECT_NE(::access(through.c_str(), F_OK), 0);
-}
-
-class TreeRemovalTest : public testing::Test
-{
-protected:
-    TempFolder folder;
-    std::string tree = folder.makeFolder("tree");
-};
-
-TEST_F(TreeRemovalTest, AWideTreeGoesWhole)
-{
-    for (int i = 0; i < 50; ++i) {
-        const std::string sub = tree + "/" + std::to_string(i);
-        std::filesystem::create_directories(sub + "/empty");
-        for (int j = 0; j < 20; ++j)
-            writeFile(sub + "/" + std::to_string(j), "x");
-    }
-    EXPECT_TRUE(removeTree(tree.c_str()));
-    EXPECT_FALSE(std::filesystem::exists(tree));
-}
-
-TEST_F(TreeRemovalTest, ATreeDeeperThanTheNumberOfOpenFilesGoes)
-{
-    int current = ::open(tree.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-    for (int depth = 0; depth < 3000; ++depth) {
-        ASSERT_EQ(::mkdirat(current, "d", 0755), 0);
-        const int next = ::openat(current, "d", O_PATH | O_DIRECTORY | O_CLOEXEC);
-        ::close(current);
-        current = next;
-    }
-    ::close(current);
-    EXPECT_TRUE(removeTree(tree.c_str()));
-    EXPECT_FALSE(std::filesystem::exists(tree));
-}
-
-TEST_F(TreeRemovalTest, LinksAreRemovedAndNotFollowed)
-{
-    const std::string kept = folder.makeFolder("kept");
-    writeFile(kept + "/file", "x");
-    std::filesystem::create_directory_symlink(kept, tree + "/link");
-    std::filesystem::create_directory_symlink(tree, folder / "to tree");
-    EXPECT_TRUE(removeTree((folder / "to tree").c_str()));
-    EXPECT_TRUE(std::filesystem::exists(tree + "/link"));
-    EXPECT_TRUE(removeTree(tree.c_str()));
-    EXPECT_EQ(readFile(kept + "/file"), "x");
-}
-
-// A folder that may not be changed, for everybody but root; for root a folder of /proc.
-TEST_F(TreeRemovalTest, TheFirstEntryThatStaysEndsIt)
-{
-    EXPECT_FALSE(removeTree("/proc/self/fdinfo"));
-    EXPECT_EQ(removeTree((folder / "missing").c_str()).code(), ENOENT);
-    if (::geteuid() == 0)
-        return;
-    std::filesystem::create_directory(tree + "/locked");
-    writeFile(tree + "/locked/file", "x");
-    ASSERT_EQ(::chmod((tree + "/locked").c_str(), 0500), 0);
-    EXPECT_EQ(removeTree(tree.c_str()).code(), EACCES);
-    EXPECT_EQ(readFile(tree + "/locked/file"), "x");
-    ASSERT_EQ(::chmod((tree + "/locked").c_str(), 0700), 0);
 }
 
 } // namespace

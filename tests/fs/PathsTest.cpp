@@ -99,6 +99,14 @@ TEST(PathsTest, ARenameLeavesTheOldPathsTranslationRight)
     EXPECT_EQ(delegate.contentAt("/b"), "content");
 }
 
+TEST(PathsTest, AChangeOfTheNameModeCountsAtOnce)
+{
+    const TestDelegate delegate(4096, false);
+    EXPECT_EQ(delegate.onDisk("/a"), delegate.root() + "/a");
+    delegate->setAreFilenamesEncrypted(true);
+    EXPECT_EQ(delegate.onDisk("/a"), delegate.root() + "/" + storedName(delegate, "a"));
+}
+
 } // namespace
 
 } // namespace nimbrel::test

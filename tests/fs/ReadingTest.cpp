@@ -10,6 +10,12 @@ namespace nimbrel::test {
 
 namespace {
 
+// What the process has mapped, in bytes.
+std::size_t addressSpace()
+{
+    return std::stoul(readFile("/proc/self/statm")) * static_cast<std::size_t>(::getpagesize());
+}
+
 // 5000 bytes in blocks of 4096: a whole block and a short one of 904 bytes.
 class ReadingTest : public testing::Test
 {
@@ -156,7 +162,7 @@ TEST_F(ReadingTest, NoMemoryForTheRunIsAnError)
     int writeError = 0;
     int sizeError = 0;
     {
-        const ResourceLimit limit(RLIMIT_AS, 1);
+        const ResourceLimit limit(RLIMIT_AS, addressSpace() + (64U << 20));
         readError = large->readFileAtPath("/sparse", sparse, spanOf(buffer), 1).code();
         writeError = large->writeFileAtPath("/sparse", sparse, bytesOf(buffer), 1).code();
         sizeError = large->setAttributes({.size = blockSize - 1}, "/sparse", &sparse).code();

@@ -59,6 +59,8 @@ private:
 [[nodiscard]] Bytes diskBytes(const NBFileHandle &file);
 // Puts `bytes` on disk as they are.
 void setDiskBytes(const NBFileHandle &file, ByteView bytes);
+// A file of the kernel's own memory, for tests that change one very often.
+[[nodiscard]] NBFileHandle memoryFile();
 
 // The bytes of a text that may be written to.
 [[nodiscard]] inline ByteSpan spanOf(std::string &text)

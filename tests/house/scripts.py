@@ -55,6 +55,7 @@ class ScriptTest(unittest.TestCase):
         settings.setdefault("stdin", subprocess.DEVNULL)
         settings.setdefault("env", self.environment)
         settings.setdefault("cwd", "/")
+        settings.setdefault("start_new_session", True)  # no terminal, whoever runs this
         return subprocess.run([str(self.project / script), *arguments], capture_output=True,
                               text=True, timeout=240, check=False, **settings)
 

@@ -130,10 +130,9 @@ TEST_F(ArchiveTest, RsyncBringsChangesOverInPlaceToo)
     ASSERT_EQ(::chmod(changed.c_str(), 0644), 0);
     writeFile(changed, noise(100'000, 1));
     ASSERT_EQ(::unlink((folderName(1) + "/file 101").c_str()), 0);
+    setTime(folderName(1), folders); // it sees times that differ by a second at least
     ASSERT_TRUE(worked(run({"rsync", "-aH", "--checksum", "--inplace", "--no-whole-file",
                             "--delete", _source + "/", disk / "copy/"})));
-    // Its own deletions changed folders' times after it had set them.
-    ASSERT_TRUE(worked(run({"rsync", "-aH", _source + "/", disk / "copy/"})));
     disk.remount();
     EXPECT_EQ(differences(treeOf(_source, TreeDetail::All), treeOf(disk / "copy", TreeDetail::All)),
               "");

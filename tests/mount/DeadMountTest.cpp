@@ -149,12 +149,22 @@ TEST_F(DeadMountTest, AGentleSignalTakesTheDiskDownInOrder)
     }
 }
 
-TEST_F(DeadMountTest, AGentleSignalLosesNothingOfAnOpenFile)
+// A service manager ends with SIGKILL what doesn't go: who insists gets the disk taken away, and
+// even then nothing is lost.
+TEST_F(DeadMountTest, ASecondSignalTakesABusyDiskDownAndLosesNothing)
 {
     MountedFolder disk;
     const std::string text = noise(300'000, 2);
     const OpenFile file(disk / "a", O_CREAT | O_RDWR);
     file.writeAt(text, 0);
+    disk.process().signal(SIGTERM);
+    const auto says = [&](const std::string &words) {
+        return eventually([&] { return disk.process().log().find(words) != std::string::npos; });
+    };
+    EXPECT_TRUE(says("stays mounted"));
+    EXPECT_TRUE(says("(" + std::to_string(::getpid()) + ")")) << disk.process().log();
+    EXPECT_EQ(mountedAt(disk.plain()), "fuse.nimbrel");
+    EXPECT_TRUE(file.all() == text);
     disk.process().signal(SIGTERM);
     EXPECT_TRUE(disk.process().wait(std::chrono::seconds(60)).has_value());
     EXPECT_TRUE(goesAway(disk));

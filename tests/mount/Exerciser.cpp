@@ -72,17 +72,24 @@ void Exerciser::step()
     }
 }
 
-void Exerciser::note(const std::string &text)
+void Exerciser::note(const std::shared_ptr<Content> &content, const std::string &text)
 {
     constexpr std::size_t kept = 60;
-    _history.push_back(fmt::format("{:>8} {}", _number, text));
-    if (_history.size() > kept)
-        _history.pop_front();
+    _current = content;
+    content->history.push_back(fmt::format("{:>8} {}", _number, text));
+    if (content->history.size() > kept)
+        content->history.pop_front();
+}
+
+void Exerciser::note(const Handle &handle, const std::string &text)
+{
+    note(handle.content, fmt::format("handle {}, size {}: {}", handle.file.id(),
+                                     handle.content->bytes.size(), text));
 }
 
 std::string Exerciser::history() const
 {
-    return fmt::format("{}\n", fmt::join(_history, "\n"));
+    return _current ? fmt::format("{}\n", fmt::join(_current->history, "\n")) : std::string();
 }
 
 Exerciser::Handle *Exerciser::someHandle(int neededFlags)

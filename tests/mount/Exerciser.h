@@ -24,18 +24,24 @@ public:
     void work(long operations);
 
 private:
-    using Content = std::shared_ptr<std::string>;
+    struct Content // of a file, whatever its names are by now
+    {
+        std::string bytes;
+        std::deque<std::string> history; // what was done to it last
+    };
     struct Handle
     {
         OpenFile file;
-        Content content; // what is in the file, whatever its name is by now
+        std::shared_ptr<Content> content;
         int flags;
     };
     struct Operation;
 
     static const std::vector<Operation> &operations();
     void step();
-    void note(const std::string &text);
+    // The next comparison that fails tells the history of this file.
+    void note(const std::shared_ptr<Content> &content, const std::string &text);
+    void note(const Handle &handle, const std::string &text);
     [[nodiscard]] std::string history() const;
 
     // ExerciserContent.cpp
@@ -69,10 +75,10 @@ private:
 
     MountedFolder &_disk;
     ExerciserDice _dice;
-    std::map<std::string, Content> _files; // by path below the disk
+    std::map<std::string, std::shared_ptr<Content>> _files; // by path below the disk
     std::vector<std::unique_ptr<Handle>> _handles;
-    std::deque<std::string> _history;
-    long _number = 0; // of the operation
+    std::shared_ptr<Content> _current; // what the operation is done to
+    long _number = 0;                  // of the operation
 };
 
 } // namespace nimbrel::test

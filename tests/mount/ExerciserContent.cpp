@@ -44,14 +44,13 @@ void Exerciser::write()
     Handle *handle = someHandle(O_WRONLY);
     if (handle == nullptr || (handle->flags & O_APPEND) != 0)
         return;
-    const std::size_t offset = _dice.offset(handle->content->size());
+    const std::size_t offset = _dice.offset(handle->content->bytes.size());
     const std::size_t length = _dice.length(offset);
     const std::string_view data = _dice.bytes(length);
-    note(fmt::format("write {} at {}, size {}, file {}", length, offset, handle->content->size(),
-                     handle->file.id()));
+    note(*handle, fmt::format("write {} at {}", length, offset));
     handle->file.writeAt(data, static_cast<off_t>(offset));
     if (length != 0)
-        put(*handle->content, offset, data);
+        put(handle->content->bytes, offset, data);
 }
 
 void Exerciser::append()
@@ -59,12 +58,12 @@ void Exerciser::append()
     Handle *handle = someHandle(O_WRONLY);
     if (handle == nullptr || (handle->flags & O_APPEND) == 0)
         return;
-    const std::size_t size = handle->content->size();
+    const std::size_t size = handle->content->bytes.size();
     const std::size_t length = std::min(_dice.length(0), ExerciserDice::largestFile - size);
     const std::string_view data = _dice.bytes(length);
-    note(fmt::format("append {} to {}, file {}", length, size, handle->file.id()));
+    note(*handle, fmt::format("append {}", length));
     handle->file.write(data);
-    put(*handle->content, size, data);
+    put(handle->content->bytes, size, data);
 }
 
 void Exerciser::read()
@@ -72,10 +71,10 @@ void Exerciser::read()
     const Handle *handle = someHandle(O_RDONLY);
     if (handle == nullptr)
         return;
-    const std::size_t offset = _dice.offset(handle->content->size());
+    const std::size_t offset = _dice.offset(handle->content->bytes.size());
     const std::size_t length = _dice.length(offset);
-    note(fmt::format("read {} at {}, file {}", length, offset, handle->file.id()));
-    compare(fmt::format("read at {}", offset), piece(*handle->content, offset, length),
+    note(*handle, fmt::format("read {} at {}", length, offset));
+    compare(fmt::format("read at {}", offset), piece(handle->content->bytes, offset, length),
             handle->file.readAt(length, static_cast<off_t>(offset)));
 }
 
@@ -85,16 +84,16 @@ void Exerciser::truncate()
     Handle *handle = path == nullptr ? someHandle(O_WRONLY) : nullptr;
     if (path == nullptr && handle == nullptr)
         return;
-    std::string &content = path != nullptr ? *_files.at(*path) : *handle->content;
-    const std::size_t size = _dice.offset(content.size());
-    note(fmt::format("truncate {} from {} to {}",
-                     path != nullptr ? *path : std::to_string(handle->file.id()), content.size(),
-                     size));
+    const std::shared_ptr<Content> content = path != nullptr ? _files.at(*path) : handle->content;
+    const std::size_t size = _dice.offset(content->bytes.size());
+    note(content, fmt::format("truncate {} from {} to {}",
+                              path != nullptr ? *path : std::to_string(handle->file.id()),
+                              content->bytes.size(), size));
     if (path != nullptr)
         must(::truncate((_disk / *path).c_str(), static_cast<off_t>(size)), "truncate");
     else
         handle->file.truncate(static_cast<off_t>(size));
-    content.resize(size, '\0');
+    content->bytes.resize(size, '\0');
 }
 
 void Exerciser::allocate()
@@ -105,13 +104,12 @@ void Exerciser::allocate()
     constexpr std::array modes{0, FALLOC_FL_KEEP_SIZE, FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE,
                                FALLOC_FL_ZERO_RANGE, FALLOC_FL_ZERO_RANGE | FALLOC_FL_KEEP_SIZE};
     const int mode = modes[_dice.below(modes.size())];
-    std::string &content = *handle->content;
+    std::string &content = handle->content->bytes;
     const std::size_t offset = _dice.offset(content.size());
     const std::size_t length = _dice.length(offset);
     if (length == 0)
         return;
-    note(fmt::format("allocate {:#x} {} at {}, size {}, file {}", mode, length, offset,
-                     content.size(), handle->file.id()));
+    note(*handle, fmt::format("allocate {:#x} {} at {}", mode, length, offset));
     const int error = errnoOf([&] {
         return ::fallocate(handle->file.id(), mode, static_cast<off_t>(offset),
                            static_cast<off_t>(length));
@@ -130,16 +128,15 @@ void Exerciser::allocate()
 void Exerciser::writeMapped()
 {
     Handle *handle = someHandle(O_RDWR);
-    if (handle == nullptr || handle->content->empty())
+    if (handle == nullptr || handle->content->bytes.empty())
         return;
-    std::string &content = *handle->content;
+    std::string &content = handle->content->bytes;
     const std::size_t offset = _dice.offset(content.size()) % content.size();
     const std::size_t length = std::min(_dice.length(offset), content.size() - offset);
     const std::size_t start = offset - offset % pageSize();
     const std::string_view data = _dice.bytes(length);
     const bool sync = _dice.oneIn(3);
-    note(fmt::format("write mapped {} at {}, file {}{}", length, offset, handle->file.id(),
-                     sync ? ", synced" : ""));
+    note(*handle, fmt::format("write mapped {} at {}{}", length, offset, sync ? ", synced" : ""));
     const Mapping mapping(handle->file.id(), offset - start + length, PROT_READ | PROT_WRITE,
                           MAP_SHARED, static_cast<off_t>(start));
     std::memcpy(mapping.data() + (offset - start), data.data(), length);
@@ -151,13 +148,13 @@ void Exerciser::writeMapped()
 void Exerciser::readMapped()
 {
     const Handle *handle = someHandle(O_RDONLY);
-    if (handle == nullptr || handle->content->empty())
+    if (handle == nullptr || handle->content->bytes.empty())
         return;
-    const std::string &content = *handle->content;
+    const std::string &content = handle->content->bytes;
     const std::size_t offset = _dice.offset(content.size()) % content.size();
     const std::size_t length = std::min(_dice.length(offset), content.size() - offset);
     const std::size_t start = offset - offset % pageSize();
-    note(fmt::format("read mapped {} at {}, file {}", length, offset, handle->file.id()));
+    note(*handle, fmt::format("read mapped {} at {}", length, offset));
     const Mapping mapping(handle->file.id(), offset - start + length, PROT_READ, MAP_SHARED,
                           static_cast<off_t>(start));
     compare(fmt::format("mapped from {}", offset), piece(content, offset, length),
@@ -171,31 +168,31 @@ void Exerciser::copyRange()
     if (from == nullptr || to == nullptr || from->content == to->content ||
         (to->flags & O_APPEND) != 0)
         return;
-    const std::size_t source = _dice.offset(from->content->size());
-    const std::size_t target = _dice.offset(to->content->size());
+    const std::size_t source = _dice.offset(from->content->bytes.size());
+    const std::size_t target = _dice.offset(to->content->bytes.size());
     const std::size_t length = _dice.length(std::max(source, target));
-    note(fmt::format("copy {} from {} of file {} to {} of file {}", length, source, from->file.id(),
-                     target, to->file.id()));
+    note(*to, fmt::format("copy {} from {} of handle {} to {}", length, source, from->file.id(),
+                          target));
     auto sourceOffset = static_cast<off64_t>(source);
     auto targetOffset = static_cast<off64_t>(target);
     const auto copied = static_cast<std::size_t>(must(
         ::copy_file_range(from->file.id(), &sourceOffset, to->file.id(), &targetOffset, length, 0),
         "copy_file_range"));
-    const std::string data(piece(*from->content, source, copied));
+    const std::string data(piece(from->content->bytes, source, copied));
     compare("copied", std::to_string(data.size()), std::to_string(copied));
     if (copied != 0)
-        put(*to->content, target, data);
+        put(to->content->bytes, target, data);
 }
 
 void Exerciser::locateHoles()
 {
     const Handle *handle = someHandle(O_RDONLY);
-    if (handle == nullptr || handle->content->empty())
+    if (handle == nullptr || handle->content->bytes.empty())
         return;
-    const std::string &content = *handle->content;
+    const std::string &content = handle->content->bytes;
     const auto size = static_cast<off_t>(content.size());
     const auto start = static_cast<off_t>(_dice.offset(content.size()) % content.size());
-    note(fmt::format("locate holes from {}, size {}, file {}", start, size, handle->file.id()));
+    note(*handle, fmt::format("locate holes from {}", start));
     const off_t found = ::lseek(handle->file.id(), start, SEEK_DATA);
     if (found < 0 && errno != ENXIO)
         must(-1, "SEEK_DATA");
@@ -214,7 +211,7 @@ void Exerciser::forgetCache()
     const Handle *handle = someHandle(O_WRONLY);
     if (handle == nullptr)
         return;
-    note(fmt::format("forget the cache, file {}", handle->file.id()));
+    note(*handle, "forget the cache");
     const int file = handle->file.id();
     // Only written pages can go. A sync down to the machine's own disk is slow: seldom.
     constexpr unsigned written =

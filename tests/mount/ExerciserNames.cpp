@@ -36,15 +36,15 @@ void Exerciser::open()
         flags |= O_APPEND;
     if (_dice.oneIn(20) && (flags & O_ACCMODE) != O_RDONLY)
         flags |= O_TRUNC;
-    note(fmt::format("open {} with {:#o}", path, flags));
-    OpenFile file(_disk / path, flags);
-    note(fmt::format("is file {}", file.id()));
-    Content &content = _files[path];
+    std::shared_ptr<Content> &content = _files[path];
     if (!content)
-        content = std::make_shared<std::string>();
+        content = std::make_shared<Content>();
+    note(content, fmt::format("open {} with {:#o}", path, flags));
+    auto handle = std::make_unique<Handle>(Handle{OpenFile(_disk / path, flags), content, flags});
     if ((flags & O_TRUNC) != 0)
-        content->clear();
-    _handles.push_back(std::make_unique<Handle>(Handle{std::move(file), content, flags}));
+        content->bytes.clear();
+    note(*handle, "was opened");
+    _handles.push_back(std::move(handle));
 }
 
 void Exerciser::close()
@@ -52,7 +52,7 @@ void Exerciser::close()
     if (_handles.empty())
         return;
     const auto place = _handles.begin() + static_cast<std::ptrdiff_t>(_dice.below(_handles.size()));
-    note(fmt::format("close file {}", (*place)->file.id()));
+    note(**place, "close");
     (*place)->file.close();
     _handles.erase(place);
 }
@@ -63,9 +63,9 @@ void Exerciser::rename()
     const std::string to = somePath();
     if (from == nullptr)
         return;
-    note(fmt::format("rename {} to {}", *from, to));
+    note(_files.at(*from), fmt::format("rename {} to {}", *from, to));
     must(::rename((_disk / *from).c_str(), (_disk / to).c_str()), "rename");
-    const Content content = _files.at(*from);
+    const std::shared_ptr<Content> content = _files.at(*from);
     const auto found = _files.find(to);
     if (found != _files.end() && found->second == content)
         return; // two names of one file: nothing happens
@@ -79,7 +79,8 @@ void Exerciser::exchange()
     const std::string *other = someFile();
     if (one == nullptr || other == nullptr || one == other)
         return;
-    note(fmt::format("exchange {} and {}", *one, *other));
+    note(_files.at(*one), fmt::format("exchange {} and {}", *one, *other));
+    note(_files.at(*other), fmt::format("exchange {} and {}", *one, *other));
     must(::renameat2(AT_FDCWD, (_disk / *one).c_str(), AT_FDCWD, (_disk / *other).c_str(),
                      RENAME_EXCHANGE),
          "renameat2");
@@ -92,7 +93,7 @@ void Exerciser::link()
     const std::string to = somePath();
     if (from == nullptr)
         return;
-    note(fmt::format("link {} as {}", *from, to));
+    note(_files.at(*from), fmt::format("link {} as {}", *from, to));
     const int error =
         errnoOf([&] { return ::link((_disk / *from).c_str(), (_disk / to).c_str()); });
     compare("link's errno", std::to_string(_files.contains(to) ? EEXIST : 0),
@@ -105,7 +106,7 @@ void Exerciser::unlink()
     const std::string *path = someFile();
     if (path == nullptr)
         return;
-    note(fmt::format("unlink {}", *path));
+    note(_files.at(*path), fmt::format("unlink {}", *path));
     must(::unlink((_disk / *path).c_str()), "unlink");
     _files.erase(*path);
 }
@@ -114,22 +115,23 @@ void Exerciser::compareStatus()
 {
     const std::string path = somePath();
     const auto found = _files.find(path);
-    note(fmt::format("status of {}", path));
+    _current.reset();
     compare(path + " is there", found == _files.end() ? "no" : "yes",
             exists(_disk / path) ? "yes" : "no");
     if (found == _files.end())
         return;
+    note(found->second, fmt::format("status of {}", path));
     const struct stat status = statusOf(_disk / path);
     const auto links = std::count_if(_files.begin(), _files.end(), [&](const auto &each) {
         return each.second == found->second;
     });
-    compare(path + " status", fmt::format("{} bytes, {} links", found->second->size(), links),
+    compare(path + " status", fmt::format("{} bytes, {} links", found->second->bytes.size(), links),
             fmt::format("{} bytes, {} links", status.st_size, status.st_nlink));
 }
 
 void Exerciser::compareListing()
 {
-    note("listing");
+    _current.reset();
     std::vector<std::string> expected;
     for (const auto &[path, content] : _files)
         expected.push_back(path);
@@ -144,21 +146,26 @@ void Exerciser::compareListing()
 
 void Exerciser::compareAll()
 {
-    note("compare all");
-    for (const auto &[path, content] : _files)
-        compare(path, *content, readFile(_disk / path));
-    for (const auto &handle : _handles)
-        if ((handle->flags & O_ACCMODE) != O_WRONLY)
-            compare(fmt::format("file {}", handle->file.id()), *handle->content,
-                    handle->file.all());
+    for (const auto &[path, content] : _files) {
+        note(content, "read all of " + path);
+        compare(path, content->bytes, readFile(_disk / path));
+    }
+    for (const auto &handle : _handles) {
+        if ((handle->flags & O_ACCMODE) == O_WRONLY)
+            continue;
+        note(*handle, "read all");
+        compare("all of a handle", handle->content->bytes, handle->file.all());
+    }
     compareListing();
 }
 
 void Exerciser::remount()
 {
-    note("remount");
     _handles.clear();
+    _current.reset();
     _disk.remount();
+    for (const auto &[path, content] : _files)
+        note(content, "new mount");
     compareAll();
 }
 

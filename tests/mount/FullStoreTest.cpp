@@ -105,20 +105,38 @@ TEST_P(FullStoreTest, SeveralWritersLoseNothingThatWasConfirmed)
 TEST_P(FullStoreTest, DeletingAndWritingWorkAfterwards)
 {
     writeFile(disk() / "large", noise(2 * mebibyte, 3));
-    OpenFile refused(disk() / "refused", O_CREAT | O_WRONLY);
-    store().fill();
-    ASSERT_EQ(writeAll(refused.id(), noise(mebibyte, 4)).error, ENOSPC);
+    {
+        const OpenFile refused(disk() / "refused", O_CREAT | O_WRONLY);
+        store().fill();
+        ASSERT_EQ(writeAll(refused.id(), noise(mebibyte, 4)).error, ENOSPC);
+    }
     EXPECT_EQ(errnoOf([&] { return ::unlink((disk() / "large").c_str()); }), 0);
     const std::string data = noise(mebibyte, 5);
     OpenFile file(disk() / "new", O_CREAT | O_WRONLY);
     file.writeAt(data, 0);
     file.sync();
     file.close();
-    refused.writeAt(data, 0);
-    refused.sync();
     disk().remount();
     EXPECT_TRUE(readFile(disk() / "new") == data);
-    EXPECT_TRUE(readFile(disk() / "refused") == data);
+}
+
+TEST_P(FullStoreTest, TheFileThatWasRefusedGrowsAfterwards)
+{
+    const std::string data = noise(mebibyte, 5);
+    {
+        OpenFile file(disk() / "a", O_CREAT | O_WRONLY);
+        store().fill();
+        ASSERT_EQ(writeAll(file.id(), data).error, ENOSPC);
+        store().freeAll();
+        file.writeAt(data, 0);
+        // A disk may tell the old error once more, to a program that doesn't look at its writes.
+        const int repeated = errnoOf([&] { return ::fsync(file.id()); });
+        EXPECT_TRUE(repeated == 0 || repeated == ENOSPC) << repeated;
+        file.sync();
+        file.close();
+    }
+    disk().remount();
+    EXPECT_TRUE(readFile(disk() / "a") == data);
 }
 
 TEST_P(FullStoreTest, TheDiskTellsThatNothingIsFree)

@@ -139,6 +139,21 @@ TEST_F(LinksTest, AChangeThroughOneHardOneIsSeenThroughTheOtherAtOnce)
     EXPECT_EQ(statusOf(disk / "one").st_mode & 07777U, 0600U);
 }
 
+TEST_F(LinksTest, AFileThatWasRenamedFirstIsStillOneFileUnderASecondName)
+{
+    const MountedFolder disk;
+    writeFile(disk / "old", noise(5000, 1));
+    ASSERT_EQ(::rename((disk / "old").c_str(), (disk / "one").c_str()), 0);
+    const OpenFile one(disk / "one", O_RDWR);
+    EXPECT_EQ(one.size(), 5000);
+    ASSERT_EQ(::link((disk / "one").c_str(), (disk / "two").c_str()), 0);
+    ASSERT_EQ(::truncate((disk / "two").c_str(), 100), 0);
+    EXPECT_EQ(one.size(), 100);
+    EXPECT_TRUE(one.all() == noise(5000, 1).substr(0, 100));
+    OpenFile(disk / "two", O_WRONLY).writeAt("seen", 10);
+    EXPECT_EQ(one.readAt(4, 10), "seen");
+}
+
 TEST_F(LinksTest, HardOnesToFoldersAndOverFilesAreRefused)
 {
     const MountedFolder disk;

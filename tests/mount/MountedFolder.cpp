@@ -152,6 +152,11 @@ void MountedFolder::remount()
 
 void MountedFolder::leave()
 {
+    const bool served = _process && !_process->wait(std::chrono::seconds(0));
+    if (served && !eventually([&] { return unmount(); }, busyLimit)) {
+        _process.reset(); // it would serve its open files on
+        fail("nimbrelctl unmount is refused at the end", _plain);
+    }
     if (mountedAt(_plain) && !unmount())
         detachAll(_plain);
     awaitEnd();

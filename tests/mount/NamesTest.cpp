@@ -41,7 +41,9 @@ protected:
 
     static int errorOfMaking(const std::string &path)
     {
-        return errnoOf([&] { return ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644); });
+        return errnoOf([&] {
+            return UniqueFd(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644)).get();
+        });
     }
 };
 

@@ -1,11 +1,13 @@
 #include "fs/guards/ChildProcess.h"
 
+#include "config/UniqueFd.h"
 #include "support/TempFolder.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <fcntl.h>
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <sched.h>
@@ -81,6 +83,25 @@ std::string becomeOrdinary(const std::string &folder)
     return {};
 }
 
+bool writeMap(const char *path, const std::string &text)
+{
+    const UniqueFd file(::open(path, O_WRONLY | O_CLOEXEC));
+    return file &&
+           ::write(file.get(), text.data(), text.size()) == static_cast<ssize_t>(text.size());
+}
+
+std::string becomeLonelyRoot()
+{
+    const std::string user = "0 " + std::to_string(::geteuid()) + " 1";
+    const std::string group = "0 " + std::to_string(::getegid()) + " 1";
+    if (::unshare(CLONE_NEWUSER) != 0)
+        return failed("user namespace");
+    if (!writeMap("/proc/self/setgroups", "deny") || !writeMap("/proc/self/uid_map", user) ||
+        !writeMap("/proc/self/gid_map", group))
+        return failed("user map");
+    return {};
+}
+
 } // namespace
 
 ChildResult onSmallStore(std::size_t size, const std::function<void(const std::string &)> &body)
@@ -99,6 +120,20 @@ ChildResult asOrdinaryUser(const std::function<void(const std::string &)> &body)
     if (::geteuid() != 0)
         return {verdictOf([&] { body(folder); }) == 0, {}};
     return inChild([&] { return becomeOrdinary(folder); }, [&] { body("/proc/self/cwd"); });
+}
+
+ChildResult asLonelyRoot(const std::function<void(const std::string &)> &body)
+{
+    const TempFolder temp;
+    const std::string folder = temp.makeFolder("own");
+    return inChild(becomeLonelyRoot, [&] { body(folder); });
+}
+
+void expectPassed(const ChildResult &result)
+{
+    if (!result.skipped.empty())
+        GTEST_SKIP() << result.skipped;
+    EXPECT_TRUE(result.passed) << "see what the child process printed";
 }
 
 } // namespace nimbrel::test

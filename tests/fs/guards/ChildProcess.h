@@ -21,4 +21,10 @@ struct ChildResult
 // such a user.
 [[nodiscard]] ChildResult asOrdinaryUser(const std::function<void(const std::string &)> &body);
 
+// As root of a user namespace that knows no other user: there an item can't be given to one.
+[[nodiscard]] ChildResult asLonelyRoot(const std::function<void(const std::string &)> &body);
+
+// Ends the calling test with the child's verdict: failed, or visibly skipped.
+void expectPassed(const ChildResult &result);
+
 } // namespace nimbrel::test

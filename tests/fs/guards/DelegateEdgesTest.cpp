@@ -73,9 +73,9 @@ TEST_F(DelegateEdgesTest, GrowingLeavesALastBlockThatReadsAsNoise)
     ASSERT_TRUE(bare->setAttributes(attributes, "/bare", &bareFile));
     EXPECT_NE(bareText().substr(static_cast<std::size_t>(2 * blockSize)), std::string(20, '\0'));
     ASSERT_TRUE(folder.content().setSize(guardedFile, 2 * blockSize + 20));
-    EXPECT_EQ(difference(std::string(static_cast<std::size_t>(2 * blockSize + 20), '\0'),
-                         guardedText()),
-              "");
+    EXPECT_EQ(
+        difference(std::string(static_cast<std::size_t>(2 * blockSize + 20), '\0'), guardedText()),
+        "");
 }
 
 TEST_F(DelegateEdgesTest, AReadFromInsideABlockPastTheEndFails)

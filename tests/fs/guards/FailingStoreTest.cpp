@@ -50,16 +50,22 @@ protected:
     void prepare(std::int64_t size)
     {
         text = noise(static_cast<std::size_t>(size), 1);
-        (void)folder.tree().removeFile("/file");
-        file = folder.create("/file", text);
+        file = memoryFile();
+        ASSERT_TRUE(folder.content().write(file, bytesOf(text), 0));
         const std::int64_t hole = 2 * GetParam().blockSize;
         if (size >= hole + GetParam().blockSize) {
-            ASSERT_TRUE(folder.content().allocate(
-                file, FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE, hole, GetParam().blockSize));
+            ASSERT_TRUE(folder.content().allocate(file, FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE,
+                                                  hole, GetParam().blockSize));
             std::fill_n(text.begin() + hole, GetParam().blockSize, '\0');
         }
     }
-    [[nodiscard]] std::string now() const { return folder.readAt("/file"); }
+    [[nodiscard]] std::string now() { return folder.read(file); }
+    [[nodiscard]] std::string onDisk() const
+    {
+        std::string bytes(static_cast<std::size_t>(sizeOf(file)), '\0');
+        EXPECT_EQ(::pread(file.descriptor.get(), bytes.data(), bytes.size(), 0), sizeOf(file));
+        return bytes;
+    }
 
     // What a write may leave: everything, a part that its count tells, or nothing and an error.
     void judgeWrite(const NBErrnoOr<std::size_t> &put, const std::string &data, std::int64_t offset)
@@ -87,12 +93,21 @@ protected:
     [[nodiscard]] std::vector<std::int64_t> places() const
     {
         const std::int64_t block = GetParam().blockSize;
-        return {0, 1, block - 1, block, block + 5, 2 * block, 2 * block + 3, 3 * block - 1,
-                3 * block, 3 * block + 7, 4 * block + 1, 5 * block};
+        return {0,
+                1,
+                block - 1,
+                block,
+                block + 5,
+                2 * block,
+                2 * block + 3,
+                3 * block - 1,
+                3 * block,
+                3 * block + 7,
+                4 * block + 1,
+                5 * block};
     }
 
-    GuardedFolder folder{
-        {.blockSize = GetParam().blockSize, .allowHoles = GetParam().allowHoles}};
+    GuardedFolder folder{{.blockSize = GetParam().blockSize, .allowHoles = GetParam().allowHoles}};
     NBFileHandle file;
     std::string text;
 };
@@ -180,8 +195,7 @@ TEST_P(FailingStoreTest, ALimitOfFileSizesTakesNothingFromACutOrGrownFile)
         for (const std::int64_t wanted : places())
             for (std::int64_t limit = 0; limit <= 5 * block; limit += 1) {
                 prepare(size);
-                SCOPED_TRACE(testing::Message()
-                             << size << " to " << wanted << ", limit " << limit);
+                SCOPED_TRACE(testing::Message() << size << " to " << wanted << ", limit " << limit);
                 NBDone done;
                 {
                     const SizeLimit limited(limit);
@@ -198,12 +212,12 @@ TEST_P(FailingStoreTest, AMendedHoleIsAHoleAgain)
 {
     const std::int64_t block = GetParam().blockSize;
     prepare(4 * block);
-    const std::string before = readFile(folder.onDisk("/file"));
+    const std::string before = onDisk();
     {
         const WriteFault fault(5, 1, ENOSPC);
         EXPECT_EQ(folder.content().write(file, bytesOf("new"), 2 * block + 1).code(), ENOSPC);
     }
-    EXPECT_EQ(readFile(folder.onDisk("/file")), before);
+    EXPECT_EQ(onDisk(), before);
 }
 
 TEST_P(FailingStoreTest, AFullStoreWorksAgainWhenItHasRoom)

@@ -71,9 +71,15 @@ TEST_P(GuardedAllocationTest, KeepsTheSizeAndHasTheRoom)
 TEST_P(GuardedAllocationTest, PunchedBytesAreZeros)
 {
     const std::string old = noise(5 * 4096 + 100, 1);
-    for (const auto &[from, to] : {std::pair<int, int>{0, 4096}, {4096, 3 * 4096}, {10, 20},
-                                   {100, 5000}, {4096, 20000}, {5 * 4096, 5 * 4096 + 100},
-                                   {5 * 4096 + 10, 100'000}, {0, 1'000'000}, {30000, 40000}}) {
+    for (const auto &[from, to] : {std::pair<int, int>{0, 4096},
+                                   {4096, 3 * 4096},
+                                   {10, 20},
+                                   {100, 5000},
+                                   {4096, 20000},
+                                   {5 * 4096, 5 * 4096 + 100},
+                                   {5 * 4096 + 10, 100'000},
+                                   {0, 1'000'000},
+                                   {30000, 40000}}) {
         const std::string path = "/file" + std::to_string(from) + "-" + std::to_string(to);
         NBFileHandle file = folder.create(path, old);
         ASSERT_EQ(allocate(file, punch, from, to - from), 0);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <stdexcept>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -88,6 +89,14 @@ std::string GuardedFolder::readAt(const std::string &path) const
     return read(file);
 }
 
+NBFileHandle memoryFile()
+{
+    NBFileHandle file{.descriptor = UniqueFd(::memfd_create("nimbrel-guards", MFD_CLOEXEC))};
+    if (!file.descriptor)
+        throw std::runtime_error("no memory file");
+    return file;
+}
+
 std::int64_t sizeOf(const NBFileHandle &file)
 {
     struct stat attributes = {};
@@ -126,8 +135,8 @@ std::string difference(std::string_view wanted, std::string_view got)
     if (wanted == got)
         return {};
     const std::size_t both = std::min(wanted.size(), got.size());
-    const auto at = std::mismatch(wanted.begin(), wanted.begin() + static_cast<std::ptrdiff_t>(both),
-                                  got.begin())
+    const auto at = std::mismatch(wanted.begin(),
+                                  wanted.begin() + static_cast<std::ptrdiff_t>(both), got.begin())
                         .first -
                     wanted.begin();
     return "differs at byte " + std::to_string(at) + ", " + std::to_string(wanted.size()) +

@@ -70,6 +70,9 @@ private:
     std::unique_ptr<GuardedTree> _tree;
 };
 
+// A file on disk that has no name and lies in memory: for tests that write many thousand times.
+[[nodiscard]] NBFileHandle memoryFile();
+
 [[nodiscard]] std::int64_t sizeOf(const NBFileHandle &file);
 [[nodiscard]] Creator thisUser();
 

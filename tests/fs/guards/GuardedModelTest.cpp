@@ -72,8 +72,9 @@ protected:
         const NBErrnoOr<std::size_t> got = folder.content().read(file, spanOf(text), offset);
         ASSERT_TRUE(got);
         const std::string wanted =
-            offset >= model.size() ? ""
-                                   : model.text().substr(static_cast<std::size_t>(offset), text.size());
+            offset >= model.size()
+                ? ""
+                : model.text().substr(static_cast<std::size_t>(offset), text.size());
         ASSERT_EQ(difference(wanted, text.substr(0, *got)), "");
     }
     void reopen()

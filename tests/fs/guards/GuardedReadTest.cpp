@@ -41,8 +41,8 @@ TEST(GuardedReadTest, IsEmptyFromTheEndOn)
 {
     GuardedFolder folder;
     NBFileHandle file = folder.create("/file", "text");
-    for (const std::int64_t offset : {std::int64_t{4}, std::int64_t{5},
-                                      std::numeric_limits<std::int64_t>::max()}) {
+    for (const std::int64_t offset :
+         {std::int64_t{4}, std::int64_t{5}, std::numeric_limits<std::int64_t>::max()}) {
         const ReadResult result = readSome(folder, file, 10, offset);
         EXPECT_EQ(result.code, 0);
         EXPECT_EQ(result.text, "");
@@ -82,7 +82,6 @@ TEST(GuardedReadTest, GoesOnAfterShortReadsOfTheStore)
         const ShortReads shortReads(most);
         for (const std::int64_t offset : {0, 1, 63, 64, 100}) {
             const ReadResult result = readSome(folder, file, 1000, offset);
-            // A last block that never comes whole can't be read; all else can.
             EXPECT_EQ(result.code, 0) << most << " at " << offset;
             EXPECT_EQ(difference(text.substr(static_cast<std::size_t>(offset)), result.text), "")
                 << most << " at " << offset;

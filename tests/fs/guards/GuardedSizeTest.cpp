@@ -76,9 +76,9 @@ TEST_P(GuardedSizeTest, CutBytesDoNotComeBack)
     NBFileHandle file = folder.create("/file", noise(200, 4));
     ASSERT_EQ(setSize(file, 75), 0);
     ASSERT_EQ(setSize(file, 200), 0);
-    EXPECT_EQ(difference(noise(200, 4).substr(0, 75) + std::string(125, '\0'),
-                         folder.readAt("/file")),
-              "");
+    EXPECT_EQ(
+        difference(noise(200, 4).substr(0, 75) + std::string(125, '\0'), folder.readAt("/file")),
+        "");
 }
 
 TEST_P(GuardedSizeTest, WorksWhereTheStoreCannotReserve)
@@ -101,6 +101,34 @@ TEST(GuardedHolesTest, GrowingLeavesHoles)
     std::string end(100, '?');
     ASSERT_EQ(*folder.content().read(file, spanOf(end), (std::int64_t{1} << 32) - 95), 100U);
     EXPECT_EQ(end, std::string(100, '\0'));
+}
+
+TEST(GuardedOddBlocksTest, WithoutABlockSizeContentIsRefused)
+{
+    for (const std::int64_t blockSize : {0, -16}) {
+        GuardedFolder folder{{.blockSize = blockSize}};
+        NBFileHandle file = memoryFile();
+        ASSERT_EQ(::pwrite(file.descriptor.get(), "stored", 6, 0), 6);
+        std::string buffer(10, '?');
+        EXPECT_EQ(folder.content().read(file, spanOf(buffer), 0).code(), EINVAL);
+        EXPECT_EQ(folder.content().write(file, bytesOf("x"), 0).code(), EINVAL);
+        EXPECT_EQ(folder.content().append(file, bytesOf("x")).code(), EINVAL);
+        EXPECT_EQ(folder.content().setSize(file, 3).code(), EINVAL);
+        EXPECT_EQ(folder.content().allocate(file, 0, 0, 10).code(), EINVAL);
+        EXPECT_EQ(folder.content().seek(file, 0, SEEK_DATA).code(), EINVAL);
+        EXPECT_EQ(sizeOf(file), 6);
+    }
+}
+
+TEST(GuardedOddBlocksTest, AHugeBlockIsAShortBlock)
+{
+    GuardedFolder folder{{.blockSize = std::int64_t{1} << 62}};
+    NBFileHandle file = folder.create("/file", noise(5000, 7));
+    ASSERT_TRUE(folder.content().write(file, bytesOf("end"), 6000));
+    ASSERT_TRUE(folder.content().setSize(file, 7000));
+    ASSERT_TRUE(folder.content().setSize(file, 6001));
+    EXPECT_EQ(difference(noise(5000, 7) + std::string(1000, '\0') + "e", folder.readAt("/file")),
+              "");
 }
 
 // What lies on disk is what the delegate leaves, so other programs of the format read it.
