@@ -26,7 +26,7 @@ namespace {
 std::string readableFolder(const std::string &path)
 {
     std::error_code error;
-    const std::string canonical = std::filesystem::canonical(path, error);
+    std::string canonical = std::filesystem::canonical(path, error);
     if (error)
         refuse(fmt::format("{} can't be found: {}", path, error.message()), "Check the path");
     if (!std::filesystem::is_directory(canonical, error))

@@ -20,7 +20,7 @@ bool isHarmless(char character)
 
 std::string shellWord(std::string_view text)
 {
-    const std::string shown = printable(text);
+    std::string shown = printable(text);
     if (shown != text) { // bash's form, which knows the escapes
         std::string word = "$'";
         for (const char character : text) {

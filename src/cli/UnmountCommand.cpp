@@ -57,13 +57,16 @@ Mount diskAt(const std::string &point)
 }
 
 // The kernel has the mount gone at once as a rule; other views of the tree can delay it.
+bool isThere(const Mount &disk)
+{
+    const std::optional<Mount> left = mountAt(disk.point);
+    return left && left->device == disk.device;
+}
+
 void awaitGone(const Mount &disk)
 {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    for (;;) {
-        const std::optional<Mount> left = mountAt(disk.point);
-        if (!left || left->device != disk.device)
-            return;
+    while (isThere(disk)) {
         if (std::chrono::steady_clock::now() > end)
             fail(fmt::format("{} is still there", disk.point), "Try again");
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
@@ -76,7 +79,8 @@ ExitStatus runUnmount(const std::string &mountPoint)
 {
     const Mount disk = diskAt(mountPointMeantBy(mountPoint));
     const NBDone done = isDeadMount(disk.point) ? detachDisk(disk.point) : unmountDisk(disk.point);
-    if (!done)
+    // The keeper of a dead program may have been faster.
+    if (!done && isThere(disk))
         refuse(disk.point, done.code());
     awaitGone(disk);
     return ExitStatus::Done;

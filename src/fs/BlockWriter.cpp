@@ -69,7 +69,8 @@ BlockWriter::Result BlockWriter::put(NBFileHandle &file, ByteView blocks, std::i
     }
     if (!_mending.mend(descriptor, start + static_cast<std::int64_t>(done), old))
         return {done, EIO};
-    return {done, error == 0 ? EIO : error};
+    // A store with room for a byte here and there, but never for a block, is full.
+    return {done, error == 0 ? ENOSPC : error};
 }
 
 } // namespace nimbrel

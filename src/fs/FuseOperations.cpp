@@ -10,8 +10,8 @@ void greet(void *userData, fuse_conn_info *connection)
     const auto want = [&](unsigned capability) {
         connection->want |= connection->capable & capability;
     };
-    want(FUSE_CAP_ASYNC_READ | FUSE_CAP_ATOMIC_O_TRUNC | FUSE_CAP_AUTO_INVAL_DATA |
-         FUSE_CAP_PARALLEL_DIROPS | FUSE_CAP_READDIRPLUS | FUSE_CAP_READDIRPLUS_AUTO);
+    want(FUSE_CAP_ASYNC_READ | FUSE_CAP_AUTO_INVAL_DATA | FUSE_CAP_PARALLEL_DIROPS |
+         FUSE_CAP_READDIRPLUS | FUSE_CAP_READDIRPLUS_AUTO);
     // The store applies the umask itself, so that a folder's default ACL comes before it.
     want(FUSE_CAP_POSIX_ACL | FUSE_CAP_DONT_MASK);
     connection->want &= ~static_cast<unsigned>(
@@ -19,6 +19,8 @@ void greet(void *userData, fuse_conn_info *connection)
         FUSE_CAP_WRITEBACK_CACHE |
         // The kernel clears set-uid bits; a daemon that is root wouldn't.
         FUSE_CAP_HANDLE_KILLPRIV |
+        // So it does for an open that truncates only where that is a request of its own.
+        FUSE_CAP_ATOMIC_O_TRUNC |
         // One copy less: requests are read straight into the buffer that is enciphered.
         FUSE_CAP_SPLICE_READ | FUSE_CAP_SPLICE_WRITE | FUSE_CAP_SPLICE_MOVE);
     static_cast<FuseDisk *>(userData)->didStart();

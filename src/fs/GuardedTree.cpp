@@ -21,6 +21,12 @@ namespace {
 constexpr std::size_t longestStoredName = 255;         // bytes, on every usual store
 constexpr std::size_t longestEncryptedPlainName = 189; // its stored form has 255 bytes
 
+// Of a target whose stored form has `stored` characters: 6 bits each, 2 bytes of them the code.
+off_t plainTargetLength(off_t stored)
+{
+    return std::max<off_t>(stored * 6 / 8 - 2, 0);
+}
+
 bool canBeName(std::string_view name)
 {
     return !name.empty() && !isDotName(name) && name.find('/') == std::string_view::npos &&
@@ -64,9 +70,8 @@ NBErrnoOr<struct stat> GuardedTree::attributes(const std::string &path)
         return attributes;
     if (nameOf(path).empty())
         return rootAttributes();
-    // A link that doesn't decode stays visible, and can be removed.
-    if (const NBErrnoOr<std::string> target = _delegate.destinationOfSymbolicLinkAtPath(path))
-        attributes->st_size = static_cast<off_t>(target->size());
+    // From the stored length alone: to read the target would be an access, with a time of its own.
+    attributes->st_size = plainTargetLength(attributes->st_size);
     return attributes;
 }
 

@@ -202,12 +202,11 @@ void NodeTable::nameMoved(Node &folder, std::string_view name, Node &newFolder,
         return;
     }
     Node &node = *found->second;
-    ++node.lookups; // neither may go in between
-    ++newFolder.lookups;
-    dropName(found);
+    Node &oldFolder = detachName(node, found->first);
+    ++oldFolder.lookups; // stays until the new name stands
     addName(node, newFolder, newName);
-    --newFolder.lookups;
-    --node.lookups;
+    --oldFolder.lookups;
+    dropIfUnused(oldFolder);
 }
 
 void NodeTable::namesExchanged(Node &folder, std::string_view name, Node &otherFolder,

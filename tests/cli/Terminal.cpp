@@ -40,6 +40,8 @@ Terminal::Terminal(const std::vector<std::string> &command,
     ::fcntl(_master, F_SETFD, FD_CLOEXEC);
     ::fcntl(_master, F_SETFL, O_NONBLOCK);
     _child = ::fork();
+    if (_child < 0)
+        throw std::runtime_error("no process for the terminal"); // a kill of -1 would hit all
     if (_child == 0) {
         ::close(_master);
         become(_kept, command, environment);

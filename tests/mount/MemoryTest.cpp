@@ -45,13 +45,13 @@ std::uint64_t withHelpers(pid_t daemon)
 // Works like a busy person: many names, large contents, and all of it removed.
 void work(const MountedFolder &disk)
 {
-    const std::string large = noise(std::size_t{16} << 20U, 1);
+    const std::string large = noise(std::size_t{8} << 20U, 1);
     writeFile(disk / "large", large);
     EXPECT_TRUE(readFile(disk / "large") == large);
     std::filesystem::create_directory(disk / "folder");
-    for (int i = 0; i < 1000; ++i)
+    for (int i = 0; i < 400; ++i)
         writeFile(disk / ("folder/" + std::to_string(i)), "text");
-    EXPECT_EQ(namesIn(disk / "folder").size(), 1000U);
+    EXPECT_EQ(namesIn(disk / "folder").size(), 400U);
     std::filesystem::remove_all(disk / "folder");
     std::filesystem::remove(disk / "large");
 }
@@ -69,9 +69,9 @@ TEST_F(MemoryTest, WorkDoesNotPileUp)
     work(disk);
     work(disk);
     const std::uint64_t before = withHelpers(disk.daemon());
-    for (int round = 0; round < 6; ++round)
+    for (int round = 0; round < 4; ++round)
         work(disk);
-    EXPECT_LT(withHelpers(disk.daemon()), before + 6 * mebibyte);
+    EXPECT_LT(withHelpers(disk.daemon()), before + 4 * mebibyte);
 }
 
 TEST_F(MemoryTest, OpenFilesAreGivenBack)

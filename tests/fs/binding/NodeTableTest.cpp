@@ -100,6 +100,14 @@ TEST(NodeTableTest, AMovedFolderTakesWhatIsBelowAlong)
     EXPECT_EQ(pathOf(table, file), "/other/new/a");
 }
 
+TEST(NodeTableTest, AMovedItemIsStillOneNodeUnderASecondName)
+{
+    NodeTable table;
+    Node &moved = table.refer(table.root(), "a", item(11));
+    table.nameMoved(table.root(), "a", table.root(), "b");
+    EXPECT_EQ(&table.refer(table.root(), "c", item(11)), &moved);
+}
+
 TEST(NodeTableTest, AMoveTakesTheNameOfWhatWasThere)
 {
     NodeTable table;
