@@ -24,8 +24,8 @@ namespace nimbrel {
 // Makes the names in `folder` durable. True, too, where the filesystem has no such operation.
 [[nodiscard]] bool syncFolder(const std::string &folder);
 
-// A file of that many hexadecimal digits in its name is nobody else's. Nothing when there is no
-// randomness.
+// 16 random hexadecimal digits, for a name that nobody else takes. Nothing when the random
+// generator fails.
 [[nodiscard]] std::optional<std::string> randomName();
 
 } // namespace nimbrel
