@@ -20,19 +20,27 @@ namespace nimbrel {
 
 namespace {
 
-// libfuse tells its reasons to a log alone; the last line is kept for the failure's message.
+// libfuse tells its reasons to a log alone, in pieces; the last line is kept for the failure's
+// message.
 thread_local std::string lastFuseMessage; // NOLINT: libfuse's log function has no context
 
 __attribute__((format(printf, 2, 0))) void keepMessage(fuse_log_level, const char *format,
                                                        va_list arguments)
 {
-    std::array<char, 512> line{};
-    std::vsnprintf(line.data(), line.size(), format, arguments);
-    std::string text = line.data();
-    while (!text.empty() && (text.back() == '\n' || text.back() == '.'))
-        text.pop_back();
-    if (!text.empty())
-        lastFuseMessage = std::move(text);
+    std::array<char, 512> piece{};
+    std::vsnprintf(piece.data(), piece.size(), format, arguments);
+    if (lastFuseMessage.ends_with('\n'))
+        lastFuseMessage.clear();
+    lastFuseMessage += piece.data();
+}
+
+// The line in the words of a sentence: without the end of a line, or of a sentence.
+std::string fuseReason()
+{
+    std::string reason = lastFuseMessage;
+    while (reason.ends_with('\n') || reason.ends_with('.'))
+        reason.pop_back();
+    return reason;
 }
 
 bool contains(const std::vector<std::string> &options, std::string_view option)
@@ -42,9 +50,8 @@ bool contains(const std::vector<std::string> &options, std::string_view option)
 
 std::string withReason(std::string_view what)
 {
-    if (lastFuseMessage.empty())
-        return fmt::format("{}.", what);
-    return fmt::format("{}: {}.", what, lastFuseMessage);
+    const std::string reason = fuseReason();
+    return reason.empty() ? fmt::format("{}.", what) : fmt::format("{}: {}.", what, reason);
 }
 
 // The loop sleeps in a read of the FUSE device. Any request wakes it, and it then sees that it is

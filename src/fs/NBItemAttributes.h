@@ -1,10 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <ctime>
 #include <optional>
 #include <sys/stat.h>
 #include <sys/types.h>
-#include <time.h>
 
 namespace nimbrel {
 
