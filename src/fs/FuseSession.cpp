@@ -114,14 +114,17 @@ std::optional<MountFailure> FuseSession::start(const std::string &path,
     _mountPoint = std::get<std::string>(std::move(checked));
     if (auto failure = makeSession(options))
         return failure;
+    // Told before it stands: a death in between must not leave it.
+    if (_keeper != nullptr)
+        _keeper->keep(_mountPoint);
     if (fuse_session_mount(_session, _mountPoint.c_str()) != 0) {
+        if (_keeper != nullptr)
+            _keeper->forget(_mountPoint);
         end();
         return MountFailure{MountFailure::Cause::Fuse,
                             withReason(fmt::format("{} could not be mounted", _mountPoint))};
     }
     _isMounted = true;
-    if (_keeper != nullptr)
-        _keeper->keep(_mountPoint);
     return std::nullopt;
 }
 

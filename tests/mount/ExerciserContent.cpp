@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <fmt/format.h>
 #include <unistd.h>
 
@@ -139,7 +138,7 @@ void Exerciser::writeMapped()
     note(*handle, fmt::format("write mapped {} at {}{}", length, offset, sync ? ", synced" : ""));
     const Mapping mapping(handle->file.id(), offset - start + length, PROT_READ | PROT_WRITE,
                           MAP_SHARED, static_cast<off_t>(start));
-    std::memcpy(mapping.data() + (offset - start), data.data(), length);
+    mapping.put(offset - start, data);
     if (sync)
         mapping.sync();
     put(content, offset, data);
@@ -158,7 +157,7 @@ void Exerciser::readMapped()
     const Mapping mapping(handle->file.id(), offset - start + length, PROT_READ, MAP_SHARED,
                           static_cast<off_t>(start));
     compare(fmt::format("mapped from {}", offset), piece(content, offset, length),
-            mapping.text().substr(offset - start));
+            mapping.take(offset - start, length));
 }
 
 void Exerciser::copyRange()
