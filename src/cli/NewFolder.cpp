@@ -31,6 +31,8 @@ void NewFolder::requirePlaceFor(const std::string &path)
     const files::file_status status = files::symlink_status(path, error);
     if (status.type() == files::file_type::not_found)
         return;
+    if (error)
+        fail(path, error);
     if (!files::is_directory(path, error))
         throw CommandError(ExitStatus::Failed, path + " exists and is not a folder",
                            "Choose another name");

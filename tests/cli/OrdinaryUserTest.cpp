@@ -45,6 +45,15 @@ TEST_F(OrdinaryUserTest, APlaceThatIsNotHisIsRefused)
                     1, "Permission denied");
 }
 
+TEST_F(OrdinaryUserTest, APlaceThatHeCanNotLookIntoIsRefusedForThatReason)
+{
+    ASSERT_EQ(::mkdir((*bench / "closed").c_str(), 0700), 0);
+    ASSERT_EQ(::chown((*bench / "closed").c_str(), 0, 0), 0);
+    expectComplaint(bench->nimbrelctl({"create", *bench / "closed/new", "--password-file",
+                                       bench->passwordFile("p")}),
+                    1, "Permission denied");
+}
+
 TEST_F(OrdinaryUserTest, MountsAndUnmountsOnHisOwn)
 {
     NIMBREL_NEED_DISK();
