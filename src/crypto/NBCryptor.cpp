@@ -70,6 +70,18 @@ std::optional<NBCryptor> NBCryptor::withPassphrase(std::string_view passphrase,
     return NBCryptor(std::move(*key), std::move(*salt), settings);
 }
 
+std::optional<NBCryptor> NBCryptor::copy() const
+{
+    std::optional<NBEncryptionKey> key = _key.copy();
+    if (!key)
+        return std::nullopt;
+    NBCryptorSettings settings;
+    settings.blockSize = static_cast<std::int64_t>(_blockSize);
+    settings.kdfIterations = static_cast<std::int64_t>(_kdfIterations);
+    settings.checkKey = _checkKey;
+    return NBCryptor(std::move(*key), _salt, settings);
+}
+
 std::optional<std::string> NBCryptor::writeKeyWithPassphrase(std::string_view passphrase) const
 {
     return _key.write(passphrase, _salt, static_cast<std::int64_t>(_kdfIterations));

@@ -59,6 +59,10 @@ public:
     [[nodiscard]] static std::optional<NBCryptor> withPassphrase(std::string_view passphrase,
                                                                  const NBCryptorSettings &settings);
 
+    // The same engine with contexts of its own, for another thread; costs no derivation. Nothing
+    // when the library refuses.
+    [[nodiscard]] std::optional<NBCryptor> copy() const;
+
     ~NBCryptor();
     NBCryptor(NBCryptor &&) noexcept;
     NBCryptor &operator=(NBCryptor &&) noexcept;

@@ -118,6 +118,11 @@ std::optional<NBEncryptionKey> NBEncryptionKey::randomWithKeySize(std::int64_t k
     return derived(password->bytes(), keySize, salt->bytes(), kdfIterations);
 }
 
+std::optional<NBEncryptionKey> NBEncryptionKey::copy() const
+{
+    return withData(_keySize, SecureBuffer::copyOf(data()));
+}
+
 std::optional<std::string> NBEncryptionKey::write(std::string_view passphrase, ByteView salt,
                                                   std::int64_t kdfIterations) const
 {

@@ -45,6 +45,9 @@ public:
     NBEncryptionKey(const NBEncryptionKey &) = delete;
     NBEncryptionKey &operator=(const NBEncryptionKey &) = delete;
 
+    // The same key with contexts of its own, for another thread. Nothing when the library refuses.
+    [[nodiscard]] std::optional<NBEncryptionKey> copy() const;
+
     // write:salt:kdfIterations:
     // The blob (base64) that wraps this key under `passphrase`. No randomness enters it: equal
     // arguments give an equal blob. Nothing when the derivation fails.

@@ -1,6 +1,7 @@
 #include "fs/FuseCheck.h"
 
 #include "config/UniqueFd.h"
+#include "fs/FuseRequest.h"
 #include "fs/Fusermount.h"
 #include "fs/MountPointCheck.h"
 
@@ -108,6 +109,11 @@ std::optional<MountFailure> checkFuse(const FuseSurroundings &surroundings, bool
 std::optional<MountFailure> checkFuse(bool allowOther)
 {
     return checkFuse(fuseSurroundings(), allowOther);
+}
+
+std::string fuseVersion()
+{
+    return ::fuse_pkgversion();
 }
 
 } // namespace nimbrel

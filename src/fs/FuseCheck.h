@@ -24,4 +24,7 @@ struct FuseSurroundings
 [[nodiscard]] std::optional<MountFailure> checkFuse(const FuseSurroundings &surroundings,
                                                     bool allowOther);
 
+// The version of the FUSE library in use, "3.14.0".
+[[nodiscard]] std::string fuseVersion();
+
 } // namespace nimbrel

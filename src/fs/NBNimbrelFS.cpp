@@ -108,6 +108,16 @@ NBNimbrelFS::NBNimbrelFS(std::string rootPath, NBNimbrelFSSettings settings, NBC
 // Ends the purge and wipes the key: what can't be reached any more is kept by nobody.
 NBNimbrelFS::~NBNimbrelFS() = default;
 
+std::unique_ptr<NBNimbrelFS> NBNimbrelFS::copy() const
+{
+    std::optional<NBCryptor> cryptor = _cryptor.copy();
+    if (!cryptor)
+        return nullptr;
+    std::unique_ptr<NBNimbrelFS> twin(new NBNimbrelFS(_rootPath, _settings, std::move(*cryptor)));
+    twin->setReadsHolesAsZeros(_readsHolesAsZeros);
+    return twin;
+}
+
 void NBNimbrelFS::setAreFilenamesEncrypted(bool areFilenamesEncrypted)
 {
     _settings.areFilenamesEncrypted = areFilenamesEncrypted;

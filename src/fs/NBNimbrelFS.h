@@ -60,6 +60,10 @@ public:
     withRootPath(std::string rootPath, const NBPreferencesDictionary &preferences,
                  std::string_view passphrase, bool checkKey);
 
+    // The same view with a cryptor of its own, for another thread; costs no derivation. Null when
+    // the library refuses.
+    [[nodiscard]] std::unique_ptr<NBNimbrelFS> copy() const;
+
     NBNimbrelFS(const NBNimbrelFS &) = delete;
     NBNimbrelFS &operator=(const NBNimbrelFS &) = delete;
     ~NBNimbrelFS();

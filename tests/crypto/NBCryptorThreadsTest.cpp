@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <thread>
 
 namespace nimbrel::test {
@@ -54,6 +55,30 @@ TEST(NBCryptorThreadsTest, DifferentCryptorsWorkInDifferentThreadsAtOnce)
         thread.join();
     for (const Work &work : works)
         EXPECT_EQ(work.wrong, 0) << work.name;
+}
+
+TEST(NBCryptorThreadsTest, ACopyWorksInAnotherThreadAtOnce)
+{
+    Work work = workOf(4);
+    const NBCryptor first = cryptorWithData(work.key.data, 256);
+    const std::optional<NBCryptor> second = first.copy();
+    ASSERT_TRUE(second.has_value());
+    const auto wrongOnes = [&work](const NBCryptor &cryptor) {
+        int wrong = 0;
+        for (int round = 0; round < 200; ++round) {
+            Bytes bytes = work.plain;
+            wrong += !cryptor.encryptRun(bytes, 4, bytes) || bytes != work.cipher;
+            wrong += cryptor.decodeString(cryptor.encodeString(work.name).value()) != work.name;
+        }
+        return wrong;
+    };
+    int elsewhere = 0;
+    std::thread thread([&] { elsewhere = wrongOnes(*second); });
+    EXPECT_EQ(wrongOnes(first), 0);
+    thread.join();
+    EXPECT_EQ(elsewhere, 0);
+    EXPECT_EQ(second->writeKeyWithPassphrase("a"), first.writeKeyWithPassphrase("a"));
+    EXPECT_EQ(second->blockSize(), 256U);
 }
 
 } // namespace nimbrel::test

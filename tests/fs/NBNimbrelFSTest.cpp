@@ -228,6 +228,20 @@ TEST(NBNimbrelFSTest, TheSaltOfTheFileStandsWhateverItsLength)
     }
 }
 
+// A mounted disk works with one; what is changed here isn't changed there.
+TEST(NBNimbrelFSTest, ACopyLeadsToTheSamePlacesAndGoesItsOwnWay)
+{
+    const auto delegate = NBNimbrelFS::withRootPath(root, quickPreferences());
+    delegate->setAreFilenamesEncrypted(true);
+    delegate->setReadsHolesAsZeros(true);
+    const auto copy = delegate->copy();
+    ASSERT_NE(copy, nullptr);
+    EXPECT_TRUE(copy->readsHolesAsZeros());
+    EXPECT_EQ(copy->_securePathWithPath("/a/b"), delegate->_securePathWithPath("/a/b"));
+    ASSERT_TRUE(delegate->setPassphrase("another"));
+    EXPECT_NE(copy->settings().encodedKey, delegate->settings().encodedKey);
+}
+
 } // namespace
 
 } // namespace nimbrel::test
