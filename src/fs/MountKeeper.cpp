@@ -18,9 +18,10 @@ MountKeeper::MountKeeper()
         return;
     UniqueFd own(ends[0]);
     const UniqueFd other(ends[1]);
+    const pid_t maker = ::getpid();
     _child = ::fork();
     if (_child == 0)
-        runKeeper(other.get());
+        runKeeper(other.get(), maker);
     if (_child > 0)
         _pipe = std::move(own);
 }

@@ -1,11 +1,16 @@
 #include "fs/Unmounting.h"
 
+#include "config/UniqueFd.h"
 #include "fs/Fusermount.h"
 #include "fs/MountTable.h"
 
 #include <array>
+#include <cerrno>
+#include <fcntl.h>
+#include <fmt/format.h>
 #include <string_view>
 #include <sys/mount.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 #include <vector>
 
@@ -58,6 +63,14 @@ NBDone takeAway(const std::string &mountPoint, int flags, std::vector<std::strin
     return askFusermount(*mount, std::move(arguments));
 }
 
+// Connections are named by the number of their disk's device.
+bool abortByControlFile(const Mount &mount)
+{
+    const std::string path = fmt::format("/sys/fs/fuse/connections/{}/abort", minor(mount.device));
+    const UniqueFd control(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
+    return control && ::write(control.get(), "1", 1) == 1;
+}
+
 } // namespace
 
 NBDone unmountDisk(const std::string &mountPoint)
@@ -68,6 +81,19 @@ NBDone unmountDisk(const std::string &mountPoint)
 NBDone detachDisk(const std::string &mountPoint)
 {
     return takeAway(mountPoint, MNT_DETACH, {"-u", "-z"});
+}
+
+NBDone abortDisk(const std::string &mountPoint)
+{
+    const std::optional<Mount> mount = mountAt(mountPoint);
+    if (!mount || !isFuse(*mount))
+        return NBErrno{EINVAL};
+    if (abortByControlFile(*mount))
+        return {};
+    // The abort comes first; whether the mount goes as well is another matter.
+    if (::umount2(mountPoint.c_str(), MNT_FORCE | UMOUNT_NOFOLLOW) == 0 || errno == EBUSY)
+        return {};
+    return NBErrno::last();
 }
 
 } // namespace nimbrel

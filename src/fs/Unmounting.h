@@ -15,4 +15,10 @@ NBDone unmountDisk(const std::string &mountPoint);
 // The same errors, but EBUSY.
 NBDone detachDisk(const std::string &mountPoint);
 
+// Ends the connection of a FUSE disk whose server will never answer again: who waits for it gets
+// ECONNABORTED, and the disk is a dead mount. Through the kernel's control files
+// (/sys/fs/fuse/connections), which belong to who mounted, or umount2(2) as root. EINVAL where no
+// FUSE disk stands, EPERM where neither way is open.
+NBDone abortDisk(const std::string &mountPoint);
+
 } // namespace nimbrel

@@ -16,6 +16,7 @@
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace nimbrel::test {
@@ -125,6 +126,24 @@ TEST_F(NBMountKeeperTest, AKilledMakersDiskIsDetached)
         keeper.keep(_point);
     });
     ASSERT_TRUE(mountAt(_point));
+    maker.kill();
+    EXPECT_EQ(maker.keepersEnd(), 0);
+    EXPECT_FALSE(mountAt(_point));
+}
+
+// A thread that waits for a disk of its own process keeps the process, and with it the disk's
+// connection, for ever: everyone who comes near the disk would hang, too.
+TEST_F(NBMountKeeperTest, AKilledMakerThatWaitsForItsOwnDiskIsFreed)
+{
+    NIMBREL_NEED_RAW_DISK();
+    if (::geteuid() != 0 && ::access("/sys/fs/fuse/connections/.", X_OK) != 0)
+        GTEST_SKIP() << "connections can't be aborted: fusectl isn't mounted";
+    Maker maker([&](MountKeeper &keeper) {
+        auto *const disk = new RawDisk(_point);
+        keeper.keep(_point);
+        std::thread([this] { (void)::access((_point + "/name").c_str(), F_OK); }).detach();
+        disk->leaveOneQuestionOpen();
+    });
     maker.kill();
     EXPECT_EQ(maker.keepersEnd(), 0);
     EXPECT_FALSE(mountAt(_point));

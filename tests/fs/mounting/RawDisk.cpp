@@ -7,6 +7,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <linux/fuse.h>
 #include <stdexcept>
 #include <sys/mount.h>
 #include <sys/socket.h>
@@ -98,6 +99,25 @@ RawDisk::~RawDisk()
 {
     _connection.reset();
     (void)detachDisk(_point); // a test may have taken it away
+}
+
+void RawDisk::leaveOneQuestionOpen()
+{
+    alignas(fuse_in_header) std::array<char, 1U << 18U> request{};
+    fuse_in_header greeting{};
+    (void)!::read(_connection.get(), request.data(), request.size());
+    std::memcpy(&greeting, request.data(), sizeof greeting);
+    struct
+    {
+        fuse_out_header header;
+        fuse_init_out body;
+    } answer{};
+    answer.header = {sizeof answer, 0, greeting.unique};
+    answer.body.major = FUSE_KERNEL_VERSION;
+    answer.body.minor = FUSE_KERNEL_MINOR_VERSION;
+    answer.body.max_write = 4096;
+    (void)!::write(_connection.get(), &answer, sizeof answer);
+    (void)!::read(_connection.get(), request.data(), request.size());
 }
 
 UniqueFd RawDisk::hold() const

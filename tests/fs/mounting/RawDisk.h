@@ -25,6 +25,9 @@ public:
     RawDisk(const RawDisk &) = delete;
     RawDisk &operator=(const RawDisk &) = delete;
 
+    // Answers the kernel's greeting, then takes one question, which gets no answer: who put it can't
+    // be killed any more.
+    void leaveOneQuestionOpen();
     // Closes the connection, as the end of a server does: a dead mount stays behind.
     void die() { _connection.reset(); }
     // Something open on it, which asks the server nothing.
