@@ -1,6 +1,6 @@
 // A disk in use is not taken away, and the refusal tells who uses it.
 #include "mount/Calls.h"
-#include "mount/MountInfo.h"
+#include "support/MountInfo.h"
 #include "mount/MountedFolder.h"
 #include "mount/Nimbrelctl.h"
 #include "mount/OpenFile.h"

@@ -1,6 +1,6 @@
 #include "mount/DaemonFacts.h"
 
-#include "mount/MountInfo.h"
+#include "support/MountInfo.h"
 #include "mount/MountedFolder.h"
 #include "support/Process.h"
 

@@ -1,7 +1,7 @@
 // After the death of the program that serves a disk, its mount point is of use again.
 #include "mount/Calls.h"
 #include "mount/DaemonFacts.h"
-#include "mount/MountInfo.h"
+#include "support/MountInfo.h"
 #include "mount/MountedFolder.h"
 #include "mount/OpenFile.h"
 #include "mount/OrdinaryDisk.h"

@@ -1,7 +1,7 @@
 // What goes wrong below a disk: an error for the program at work, never a hang or a crash.
 #include "mount/Calls.h"
 #include "mount/DaemonFacts.h"
-#include "mount/MountInfo.h"
+#include "support/MountInfo.h"
 #include "mount/MountedFolder.h"
 #include "mount/OpenFile.h"
 #include "mount/OrdinaryDisk.h"

@@ -1,9 +1,9 @@
 #include "mount/MountedFolder.h"
 
 #include "config/UniqueFd.h"
-#include "mount/MountInfo.h"
 #include "mount/Nimbrelctl.h"
 #include "mount/OrdinaryDisk.h"
+#include "support/MountInfo.h"
 
 #include <cerrno>
 #include <csignal>
@@ -36,15 +36,7 @@ bool endedBySignalOfATest(int status)
 
 std::string whyNoFuse()
 {
-    if (onOrdinaryDisk())
-        return {}; // nothing will be mounted
-    if (::access("/dev/fuse", F_OK) != 0)
-        return "no /dev/fuse on this machine";
-    if (::geteuid() == 0)
-        ::chmod("/dev/fuse", 0666);
-    if (const UniqueFd device(::open("/dev/fuse", O_RDWR | O_CLOEXEC)); !device)
-        return std::string("/dev/fuse can't be opened: ") + std::strerror(errno);
-    return whyNoMount();
+    return onOrdinaryDisk() ? std::string() : whyNoMounts(); // there nothing will be mounted
 }
 
 MountedFolder::MountedFolder(MountedFolderOptions options)

@@ -1,6 +1,6 @@
 // A disk that an ordinary user mounts: his alone, and his to take away.
 #include "mount/Calls.h"
-#include "mount/MountInfo.h"
+#include "support/MountInfo.h"
 #include "mount/MountedFolder.h"
 #include "mount/Nimbrelctl.h"
 #include "mount/OpenFile.h"

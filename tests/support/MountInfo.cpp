@@ -1,4 +1,4 @@
-#include "mount/MountInfo.h"
+#include "support/MountInfo.h"
 
 #include "config/UniqueFd.h"
 #include "support/Process.h"
@@ -11,6 +11,7 @@
 #include <sstream>
 #include <sys/mount.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace nimbrel::test {
@@ -93,8 +94,14 @@ void detachAll(const std::string &path)
     }
 }
 
-std::string whyNoMount()
+std::string whyNoMounts()
 {
+    if (::access("/dev/fuse", F_OK) != 0)
+        return "no /dev/fuse on this machine";
+    if (::geteuid() == 0)
+        ::chmod("/dev/fuse", 0666);
+    if (const UniqueFd device(::open("/dev/fuse", O_RDWR | O_CLOEXEC)); !device)
+        return std::string("/dev/fuse can't be opened: ") + std::strerror(errno);
     const TempFolder temp;
     const std::string folder = temp.makeFolder("probe");
     return ::geteuid() == 0 ? whyNoMountAsRoot(folder) : whyNoMountAsUser(folder);

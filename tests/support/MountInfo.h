@@ -13,7 +13,13 @@ namespace nimbrel::test {
 // Takes whatever is mounted there out of the tree, open files or not, as root or as a user.
 void detachAll(const std::string &path);
 
-// Tries a mount on a folder of its own; empty when it worked, else what stands in the way.
-[[nodiscard]] std::string whyNoMount();
+// Why FUSE can't be used on this machine, found out with a mount on a folder of its own; empty
+// where it can. As root it opens /dev/fuse to all users first, as every desktop's does.
+[[nodiscard]] std::string whyNoMounts();
+
+// Ends a test, visibly skipped, on a machine without FUSE.
+#define NIMBREL_NEED_MOUNTS()                                                                      \
+    if (const std::string why = nimbrel::test::whyNoMounts(); !why.empty())                        \
+    GTEST_SKIP() << why
 
 } // namespace nimbrel::test

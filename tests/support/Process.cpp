@@ -6,8 +6,10 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <grp.h>
+#include <pwd.h>
 #include <stdexcept>
 #include <sys/mman.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -16,10 +18,13 @@ namespace nimbrel::test {
 
 namespace {
 
-// Input and output go through memory files: no pipe can fill up, no thread is needed.
+// Input and output go through memory files: no pipe can fill up, no thread is needed. Their numbers
+// lie above those of the standard streams, also where this process has none.
 int memoryFile(const std::string &content)
 {
-    const int file = ::memfd_create("nimbrel-test", MFD_CLOEXEC);
+    const int made = ::memfd_create("nimbrel-test", MFD_CLOEXEC);
+    const int file = ::fcntl(made, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    ::close(made);
     if (file < 0 ||
         ::pwrite(file, content.data(), content.size(), 0) != static_cast<ssize_t>(content.size()))
         throw std::runtime_error("no memory file");
@@ -44,7 +49,9 @@ std::string takeAll(int file)
 {
     if (options.user) {
         const uid_t user = *options.user;
-        if (::setgroups(0, nullptr) != 0 || ::setgid(user) != 0 || ::setuid(user) != 0)
+        const passwd *const account = ::getpwuid(user); // NOLINT: one thread
+        const gid_t group = account == nullptr ? user : account->pw_gid;
+        if (::setgroups(0, nullptr) != 0 || ::setgid(group) != 0 || ::setuid(user) != 0)
             ::_exit(126);
     }
     if (!options.folder.empty() && ::chdir(options.folder.c_str()) != 0)
@@ -63,9 +70,14 @@ std::string takeAll(int file)
 pid_t start(const std::vector<std::string> &command, const RunOptions &options, int input,
             int output, int error)
 {
+    const pid_t parent = ::getpid();
     const pid_t child = ::fork();
     if (child != 0)
         return child;
+    // The parent may have gone before this was asked for.
+    if (options.endsWithThread &&
+        (::prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || ::getppid() != parent))
+        ::_exit(126);
     // A test runner may have changed these; programs start with the defaults.
     ::signal(SIGPIPE, SIG_DFL);
     ::signal(SIGCHLD, SIG_DFL);

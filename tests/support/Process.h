@@ -14,8 +14,10 @@ struct RunOptions
     std::string input = {};                    // what the program reads from standard input
     std::string folder = {};                   // its working directory; empty: this one's
     std::vector<std::string> environment = {}; // "NAME=value", added to this one's
-    std::optional<uid_t> user = {};            // run as (needs root), with group of the same number
+    std::optional<uid_t> user = {};            // run as (needs root), with its account's group
     std::chrono::seconds limit{120};           // killed after that
+    // Killed by the kernel when the thread that started it ends, however that ends.
+    bool endsWithThread = false;
 };
 
 struct RunResult
