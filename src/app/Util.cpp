@@ -1,0 +1,134 @@
+#include "app/Util.h"
+
+#include "app/SystemLog.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPalette>
+#include <QPushButton>
+#include <QThread>
+#include <QToolBar>
+
+#include <atomic>
+
+namespace nimbrel {
+
+namespace {
+
+std::atomic<AlertPresenter *> currentPresenter = nullptr;
+
+// False where there is no application to tell.
+bool isOffMainThread()
+{
+    const QCoreApplication *application = QCoreApplication::instance();
+    return application != nullptr && application->thread() != QThread::currentThread();
+}
+
+bool hasWindows()
+{
+    return qobject_cast<QApplication *>(QCoreApplication::instance()) != nullptr;
+}
+
+// Nobody may agree in a person's place.
+int answerOfNobody(const Alert &alert)
+{
+    return alert.buttons.size() > 1 ? 0 : 1;
+}
+
+int logInstead(const Alert &alert)
+{
+    QStringList texts{alert.messageText, alert.informativeText};
+    texts.removeAll(QString());
+    systemLog(texts.join(QLatin1Char(' ')));
+    return answerOfNobody(alert);
+}
+
+// Texts hold paths and other programs' words: none of it is markup, all of it may be copied.
+void setTexts(QMessageBox &box, const Alert &alert)
+{
+    box.setText(alert.messageText);
+    box.setInformativeText(alert.informativeText);
+    box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    // The box's own setting leaves the second label out.
+    for (QLabel *label : box.findChildren<QLabel *>())
+        label->setTextFormat(Qt::PlainText);
+}
+
+// Returns the default button. The last one takes Escape.
+QAbstractButton *addButtons(QMessageBox &box, const QStringList &titles)
+{
+    QList<QPushButton *> buttons;
+    for (const QString &title : titles)
+        buttons += box.addButton(title, buttons.isEmpty() ? QMessageBox::AcceptRole
+                                                          : QMessageBox::RejectRole);
+    if (buttons.isEmpty())
+        buttons += box.addButton(QMessageBox::Ok);
+    box.setDefaultButton(buttons.first());
+    box.setEscapeButton(buttons.last());
+    return buttons.first();
+}
+
+void addHelp(QMessageBox &box, const std::function<void()> &showHelp)
+{
+    if (!showHelp)
+        return;
+    QPushButton *help = box.addButton(QMessageBox::Help);
+    help->disconnect(); // from the box, which any of its buttons closes
+    QObject::connect(help, &QPushButton::clicked, &box, [&showHelp] { showHelp(); });
+}
+
+int showMessageBox(const Alert &alert)
+{
+    QMessageBox box;
+    box.setWindowTitle(alert.windowTitle);
+    box.setIcon(alert.isCaution ? QMessageBox::Warning : QMessageBox::Information);
+    setTexts(box, alert);
+    const QAbstractButton *defaultButton = addButtons(box, alert.buttons);
+    addHelp(box, alert.showHelp);
+    box.exec();
+    if (box.clickedButton() == nullptr) // the program ends meanwhile
+        return answerOfNobody(alert);
+    return box.clickedButton() == defaultButton ? 1 : 0;
+}
+
+} // namespace
+
+void Util::clearToolbar(QToolBar &toolbar)
+{
+    while (!toolbar.actions().isEmpty())
+        toolbar.removeAction(toolbar.actions().first());
+}
+
+void Util::removeItem(QAction *item, QToolBar &fromToolbar)
+{
+    const QList<QAction *> items = fromToolbar.actions();
+    for (auto each = items.rbegin(); each != items.rend(); ++each)
+        if (*each == item)
+            fromToolbar.removeAction(*each);
+}
+
+int Util::runModal(const Alert &alert)
+{
+    if (isOffMainThread())
+        return logInstead(alert);
+    if (AlertPresenter *presenter = currentPresenter)
+        return presenter->runModal(alert);
+    return hasWindows() ? showMessageBox(alert) : logInstead(alert);
+}
+
+void Util::setAlertPresenter(AlertPresenter *presenter)
+{
+    currentPresenter = presenter;
+}
+
+QColor Util::controlTextColor(const QVariant &value, const QPalette &palette)
+{
+    if (value.isNull() || !value.canConvert<bool>())
+        return {};
+    return palette.color(value.toBool() ? QPalette::Active : QPalette::Disabled,
+                         QPalette::WindowText);
+}
+
+} // namespace nimbrel
