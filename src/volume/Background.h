@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QMetaObject>
+#include <QThreadPool>
+
+#include <memory>
+#include <utility>
+
+namespace nimbrel {
+
+// Calls `done(owner)` on the main thread, later; not at all when the owner has gone by then.
+template <class Owner, class Done>
+void onMainThread(std::weak_ptr<Owner> owner, Done done)
+{
+    QCoreApplication *const application = QCoreApplication::instance();
+    if (application == nullptr)
+        return; // the program is at its end
+    QMetaObject::invokeMethod(
+        application,
+        [owner = std::move(owner), done = std::move(done)]() mutable {
+            if (const std::shared_ptr<Owner> alive = owner.lock())
+                done(*alive);
+        },
+        Qt::QueuedConnection);
+}
+
+// Runs `work()` on a thread of `pool`, then `done(owner, result)` on the main thread, if the owner
+// is still there. The work holds nothing of the owner's. The application object waits at its end
+// for what runs in the global pool.
+template <class Owner, class Work, class Done>
+void inBackground(std::weak_ptr<Owner> owner, Work work, Done done,
+                  QThreadPool &pool = *QThreadPool::globalInstance())
+{
+    pool.start(
+        [owner = std::move(owner), work = std::move(work), done = std::move(done)]() mutable {
+            onMainThread(std::move(owner),
+                         [result = work(), done = std::move(done)](Owner &alive) mutable {
+                             done(alive, std::move(result));
+                         });
+        });
+}
+
+} // namespace nimbrel

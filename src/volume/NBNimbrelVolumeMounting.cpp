@@ -1,0 +1,246 @@
+// Mounting: the checks, the key, the disk.
+#include "volume/NBNimbrelVolume.h"
+
+#include "app/SystemLog.h"
+#include "app/TextFormat.h"
+#include "app/Util.h"
+#include "config/ConfigurationLookup.h"
+#include "config/NBNimbrelFSPreferences.h"
+#include "config/PreferencesLimits.h"
+#include "fs/MountTable.h"
+#include "fs/NBNimbrelFS.h"
+#include "fs/UserFileSystem.h"
+#include "platform/Resources.h"
+#include "platform/Workspace.h"
+#include "volume/Background.h"
+#include "volume/DiskStart.h"
+#include "volume/MountPointFolder.h"
+#include "volume/NBVolumesUserInterface.h"
+#include "volume/TextConversion.h"
+#include "volume/VolumeTexts.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace nimbrel {
+
+namespace {
+
+// The folder above resolved, nothing asked of the mount point itself: it may be a disk that hangs.
+std::string canonicalMountPoint(const QString &mountPoint)
+{
+    const std::filesystem::path path(coreText(mountPoint));
+    std::error_code error;
+    const std::filesystem::path parent =
+        std::filesystem::weakly_canonical(path.parent_path(), error);
+    return error ? path.string() : (parent / path.filename()).string();
+}
+
+std::vector<std::string> coreTexts(const QStringList &texts)
+{
+    std::vector<std::string> result;
+    for (const QString &text : texts)
+        result.push_back(coreText(text));
+    return result;
+}
+
+} // namespace
+
+void NBNimbrelVolume::mount(VolumeHandler withCompletionHandler)
+{
+    _mountHandler = std::move(withCompletionHandler);
+    mount();
+}
+
+void NBNimbrelVolume::mount()
+{
+    const auto self = shared_from_this(); // an alert's event loop may drop the last other pointer
+    log("-[NBNimbrelVolume mount]", __LINE__, "Mounting...");
+    if (_isBusy)
+        return log("-[NBNimbrelVolume mount]", __LINE__, "Busy...");
+    _isBusy = true;
+    if (!hasFolderAndConfiguration() || !mayUseMountPoint())
+        return stopMounting();
+    if (_passphrase.empty() && !showPassphraseAssistant())
+        return stopMounting();
+    open();
+}
+
+bool NBNimbrelVolume::hasFolderAndConfiguration()
+{
+    if (!Util::directoryExists(_path)) {
+        Util::showAlert(texts::tr("The Nimbrel Folder does not exist."));
+        return false;
+    }
+    // A configuration found elsewhere isn't taken over: what is read is the record's own (kept).
+    if (Util::fileExists(_configPath) || findConfiguration(coreText(_path)))
+        return true;
+    Util::showAlert(formatted(texts::tr("Tried to find it at %@"), {asFormat(_configPath)}),
+                    texts::tr("The configuration file does not exist."));
+    return false;
+}
+
+// Despite the question nothing is unmounted here (kept): the mount goes ahead, clears a dead disk
+// away and is refused by a living one.
+bool NBNimbrelVolume::mayUseMountPoint()
+{
+    if (!isMountPointInUse())
+        return true;
+    return Util::showAlert(
+               texts::tr("It will be unmounted now.\n\nDo you want to continue?"),
+               formatted(texts::tr("The mount point %@ is already in use."), {mountPoint()}),
+               {.defaultButton = texts::tr("OK"), .alternateButton = texts::tr("Cancel")}) == 1;
+}
+
+bool NBNimbrelVolume::isMountPointInUse() const
+{
+    return mountAt(canonicalMountPoint(mountPoint())).has_value();
+}
+
+bool NBNimbrelVolume::showPassphraseAssistant()
+{
+    std::optional<PassphraseAnswer> answer = _services.userInterface.passphraseFor(*this);
+    if (!answer)
+        return false;
+    _passphrase = std::move(answer->passphrase);
+    _storePassphrase = answer->storePassphrase;
+    return true;
+}
+
+// Reads and judges the configuration, then has its key opened off this thread: a derivation takes
+// as long as the folder's own iterations make it.
+void NBNimbrelVolume::open()
+{
+    NBPreferencesError error;
+    const std::optional<NBPreferencesDictionary> preferences =
+        NBNimbrelFSPreferences().preferencesWithURL(coreText(_configPath), &error);
+    if (!preferences) {
+        refuseConfiguration(error);
+        return stopMounting();
+    }
+    if (const std::optional<std::string> complaint = judgeLimits(*preferences)) {
+        refuseConfiguration({std::string(NBNMFSPreferencesErrorDomain), -1, *complaint});
+        return stopMounting();
+    }
+    inBackground(
+        weak_from_this(),
+        [root = coreText(_path), preferences = *preferences,
+         passphrase = std::make_shared<SecureBuffer>(SecureBuffer::copyOf(_passphrase.text()))] {
+            return std::shared_ptr<NBNimbrelFS>(
+                NBNimbrelFS::withRootPath(root, preferences, passphrase->text()));
+        },
+        [](NBNimbrelVolume &volume, std::shared_ptr<NBNimbrelFS> opened) {
+            volume.didOpen(std::move(opened));
+        });
+}
+
+void NBNimbrelVolume::refuseConfiguration(const NBPreferencesError &error)
+{
+    const QString message = qtText(error.message);
+    if (error.domain == NBNMFSPreferencesErrorDomain) {
+        Util::runModal({.messageText = texts::tr("Wrong folder configuration file!"),
+                        .informativeText = formatted(message),
+                        .isCaution = true,
+                        .showHelp = [this] { alertShowHelp(); }});
+        return;
+    }
+    systemLog(QStringLiteral("%1: %2").arg(_configPath, message));
+    Util::showAlert(
+        texts::tr("Please choose a different folder or create a new Nimbrel Folder. If the folder "
+                  "is being synchronized right now, please wait until the whole folder has been "
+                  "synchronized and try again."),
+        formatted(texts::tr("The path %@ is not a valid Nimbrel Folder."), {_path}));
+}
+
+// Null is a wrong password: the question comes back, as often as the user tries.
+void NBNimbrelVolume::didOpen(std::shared_ptr<NBNimbrelFS> opened)
+{
+    const auto self = shared_from_this();
+    _nmFS = std::move(opened);
+    if (_nmFS)
+        return startDisk();
+    const bool given = showPassphraseAssistant();
+    _isBusy = false;
+    if (given)
+        mount();
+}
+
+void NBNimbrelVolume::startDisk()
+{
+    const Observation observation = ++_lastObservation;
+    _observation = observation;
+    const std::weak_ptr<NBNimbrelVolume> weak = weak_from_this();
+    const auto tell = [weak, observation](auto heard) {
+        onMainThread(weak, [observation, heard](NBNimbrelVolume &volume) {
+            if (volume._observation == observation)
+                heard(volume);
+        });
+    };
+    UserFileSystemNotifications notifications{
+        .didMount = [tell] { tell([](NBNimbrelVolume &volume) { volume.didMount(); }); },
+        .didUnmount = [tell] { tell([](NBNimbrelVolume &volume) { volume.didUnmount(); }); },
+        .mountFailed =
+            [tell](const MountFailure &failure) {
+                tell([failure](NBNimbrelVolume &volume) { volume.mountFailed(failure); });
+            }};
+    _mountPointFolder = std::make_shared<MountPointFolder>(coreText(_services.mountRoot),
+                                                           coreText(mountPointName()));
+    _fuseFS = std::make_shared<UserFileSystem>(_nmFS->copy(), notifications, _services.keeper);
+    QThreadPool::globalInstance()->start(DiskStart(
+        _fuseFS, _mountPointFolder, coreTexts(mountOptions()), notifications.mountFailed));
+}
+
+QStringList NBNimbrelVolume::mountOptions() const
+{
+    QStringList options{
+        QStringLiteral("volname=") + _label,
+        QStringLiteral("modules=iconv:volicon"),
+        QStringLiteral("from_code=UTF-8"),
+        QStringLiteral("to_code=UTF-8-MAC"),
+        QStringLiteral("iconpath=") +
+            _services.resources.path(QStringLiteral("volume"), QStringLiteral("icns"))
+                .value_or(QString()),
+        QStringLiteral("native_xattr"),
+    };
+    if (_local || _spotlight)
+        options << QStringLiteral("local");
+    if (_allowAll || _spotlight)
+        options << QStringLiteral("allow_other");
+    return options << QStringLiteral("auto_cache") << QStringLiteral("fssubtype=10");
+}
+
+void NBNimbrelVolume::openAndMountIfRequired()
+{
+    if (_isMounted)
+        return _services.workspace.openFile(mountPoint());
+    mount([weak = weak_from_this()](bool mounted) {
+        if (const VolumePtr volume = mounted ? weak.lock() : nullptr)
+            volume->_services.workspace.openFile(volume->mountPoint());
+    });
+}
+
+bool NBNimbrelVolume::deleteMountPoint()
+{
+    const QString path = mountPoint();
+    if (!Util::exists(path)) {
+        Util::showAlert(texts::tr("The mount point does not exist."));
+        return false;
+    }
+    if (!Util::directoryExists(path)) {
+        Util::showAlert(texts::tr("The mount point is not a directory."));
+        return false;
+    }
+    // Any list, be it empty, counts as content (kept).
+    std::error_code error;
+    const std::filesystem::directory_iterator list(coreText(path), error);
+    if (!error) {
+        Util::showAlert(texts::tr("The mount point is not empty."));
+        return false;
+    }
+    if (std::filesystem::remove(coreText(path), error))
+        return true;
+    Util::showAlert(texts::tr("Could not delete the mount point."));
+    return false;
+}
+
+} // namespace nimbrel
