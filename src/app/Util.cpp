@@ -4,6 +4,8 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QFont>
+#include <QFontMetrics>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPalette>
@@ -45,6 +47,19 @@ int logInstead(const Alert &alert)
     return answerOfNobody(alert);
 }
 
+// QMessageBox names its labels so for style sheets.
+QLabel *label(const QMessageBox &box, const char *name)
+{
+    return box.findChild<QLabel *>(QLatin1String(name));
+}
+
+// About fifty characters, at any size of letters.
+int readableWidth(const QMessageBox &box)
+{
+    constexpr int characters = 50;
+    return box.fontMetrics().averageCharWidth() * characters;
+}
+
 // Texts hold paths and other programs' words: none of it is markup, all of it may be copied.
 void setTexts(QMessageBox &box, const Alert &alert)
 {
@@ -52,8 +67,17 @@ void setTexts(QMessageBox &box, const Alert &alert)
     box.setInformativeText(alert.informativeText);
     box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     // The box's own setting leaves the second label out.
-    for (QLabel *label : box.findChildren<QLabel *>())
-        label->setTextFormat(Qt::PlainText);
+    for (QLabel *each : box.findChildren<QLabel *>())
+        each->setTextFormat(Qt::PlainText);
+    if (alert.informativeText.isEmpty())
+        return;
+    QFont bold = box.font();
+    bold.setBold(true);
+    if (QLabel *headline = label(box, "qt_msgbox_label"))
+        headline->setFont(bold);
+    // The headline alone would decide how narrow the lines below it are.
+    if (QLabel *text = label(box, "qt_msgbox_informativelabel"))
+        text->setMinimumWidth(readableWidth(box));
 }
 
 // Returns the default button. The last one takes Escape.

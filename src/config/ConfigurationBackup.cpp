@@ -49,20 +49,6 @@ std::string homeFolder()
     return found->pw_dir;
 }
 
-// With all that is missing above it. Mode 0700 under any umask. False with errno.
-bool makeFolder(const std::string &path)
-{
-    const std::string parent = folderOfPath(path);
-    if (::mkdir(path.c_str(), 0700) != 0) {
-        if (errno == EEXIST)
-            return true; // not a folder? Then the next step says so.
-        if (errno != ENOENT || parent == "." || !makeFolder(parent) ||
-            ::mkdir(path.c_str(), 0700) != 0)
-            return false;
-    }
-    return ::chmod(path.c_str(), 0700) == 0 && syncFolder(parent);
-}
-
 // The name of the folder that the configuration lies in, short enough to have a time behind it.
 std::string backupPrefix(const std::string &path)
 {
@@ -130,7 +116,7 @@ UniqueFd createBackup(const std::string &backupFolder, const std::string &prefix
 std::optional<FileError> writeBackup(const std::string &backupFolder, const std::string &prefix,
                                      std::string_view text)
 {
-    if (!makeFolder(backupFolder))
+    if (!makePrivateFolder(backupFolder))
         return fileError("make the folder for backups", backupFolder, errno);
     std::string name;
     const UniqueFd descriptor = createBackup(backupFolder, prefix, name);

@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -59,6 +60,20 @@ bool syncFolder(const std::string &folder)
     if (!descriptor)
         return errno == EACCES;
     return ::fsync(descriptor.get()) == 0 || errno == EINVAL || errno == ENOTSUP || errno == ENOSYS;
+}
+
+bool makePrivateFolder(const std::string &path)
+{
+    constexpr mode_t mode = 0700;
+    const std::string parent = folderOfPath(path);
+    if (::mkdir(path.c_str(), mode) != 0) {
+        if (errno == EEXIST)
+            return true; // not a folder? Then the next step says so.
+        if (errno != ENOENT || parent == "." || parent == path || !makePrivateFolder(parent) ||
+            ::mkdir(path.c_str(), mode) != 0)
+            return false;
+    }
+    return ::chmod(path.c_str(), mode) == 0 && syncFolder(parent);
 }
 
 std::optional<std::string> randomName()

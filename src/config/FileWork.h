@@ -24,6 +24,10 @@ namespace nimbrel {
 // Makes the names in `folder` durable. True, too, where the filesystem has no such operation.
 [[nodiscard]] bool syncFolder(const std::string &folder);
 
+// Makes a folder with all that is missing above it, each with mode 0700 under any umask, durably.
+// One that exists stays as it is, whatever stands there. False with errno.
+[[nodiscard]] bool makePrivateFolder(const std::string &path);
+
 // 16 random hexadecimal digits, for a name that nobody else takes. Nothing when the random
 // generator fails.
 [[nodiscard]] std::optional<std::string> randomName();

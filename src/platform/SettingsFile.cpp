@@ -30,20 +30,6 @@ QString userFile()
     return folder.isEmpty() ? QString() : folder + QStringLiteral("/Nimbrel/Nimbrel.conf");
 }
 
-// With all that is missing above it. Mode 0700 under any umask. False with errno.
-bool makeFolder(const std::string &path)
-{
-    const std::string parent = folderOfPath(path);
-    if (::mkdir(path.c_str(), 0700) != 0) {
-        if (errno == EEXIST)
-            return true; // not a folder? Then the next step says so.
-        if (errno != ENOENT || parent == path || !makeFolder(parent) ||
-            ::mkdir(path.c_str(), 0700) != 0)
-            return false;
-    }
-    return ::chmod(path.c_str(), 0700) == 0 && syncFolder(parent);
-}
-
 // What the file says is nobody else's business. A filesystem without modes can't do better.
 void narrow(const std::string &path)
 {
@@ -160,7 +146,7 @@ std::optional<QString> SettingsFile::store()
     if (_path.empty())
         return load(); // says why
     const std::string folder = folderOfPath(_path);
-    if (!makeFolder(folder))
+    if (!makePrivateFolder(folder))
         return messageOf(fileError("make the folder", folder, errno));
     QLockFile lock(QFile::decodeName(_path.c_str()) + QStringLiteral(".lock"));
     // Where there can be no lock, the writing itself tells why.

@@ -7,7 +7,6 @@
 #include "fs/NBNimbrelFS.h"
 #include "fs/UserFileSystem.h"
 #include "platform/KeyedArchive.h"
-#include "platform/Preferences.h"
 #include "volume/MountPointFolder.h"
 #include "volume/PathExtension.h"
 #include "volume/TextConversion.h"
@@ -163,18 +162,6 @@ void NBNimbrelVolume::setBlockSize(qint64 blockSize)
 {
     if (_nmFS)
         _nmFS->setBlockSize(blockSize);
-}
-
-QString NBNimbrelVolume::mountPoint() const
-{
-    return pathIn(_services.mountRoot, mountPointName());
-}
-
-QString NBNimbrelVolume::mountPointName() const
-{
-    if (!_services.preferences.boolValue(preferencesKey::volumePrefix))
-        return _label;
-    return systemFacts::userName() + u'-' + _label;
 }
 
 } // namespace nimbrel

@@ -7,10 +7,8 @@
 #include "config/ConfigurationLookup.h"
 #include "config/NBNimbrelFSPreferences.h"
 #include "config/PreferencesLimits.h"
-#include "fs/MountTable.h"
 #include "fs/NBNimbrelFS.h"
 #include "fs/UserFileSystem.h"
-#include "platform/Resources.h"
 #include "platform/Workspace.h"
 #include "volume/Background.h"
 #include "volume/DiskStart.h"
@@ -19,22 +17,9 @@
 #include "volume/TextConversion.h"
 #include "volume/VolumeTexts.h"
 
-#include <algorithm>
-#include <filesystem>
-
 namespace nimbrel {
 
 namespace {
-
-// The folder above resolved, nothing asked of the mount point itself: it may be a disk that hangs.
-std::string canonicalMountPoint(const QString &mountPoint)
-{
-    const std::filesystem::path path(coreText(mountPoint));
-    std::error_code error;
-    const std::filesystem::path parent =
-        std::filesystem::weakly_canonical(path.parent_path(), error);
-    return error ? path.string() : (parent / path.filename()).string();
-}
 
 std::vector<std::string> coreTexts(const QStringList &texts)
 {
@@ -42,6 +27,12 @@ std::vector<std::string> coreTexts(const QStringList &texts)
     for (const QString &text : texts)
         result.push_back(coreText(text));
     return result;
+}
+
+MountFailure noContexts()
+{
+    return {MountFailure::Cause::Folder,
+            "There is not enough memory for the folder's key. Close other programs and try again."};
 }
 
 } // namespace
@@ -90,11 +81,6 @@ bool NBNimbrelVolume::mayUseMountPoint()
                texts::tr("It will be unmounted now.\n\nDo you want to continue?"),
                formatted(texts::tr("The mount point %@ is already in use."), {mountPoint()}),
                {.defaultButton = texts::tr("OK"), .alternateButton = texts::tr("Cancel")}) == 1;
-}
-
-bool NBNimbrelVolume::isMountPointInUse() const
-{
-    return mountAt(canonicalMountPoint(mountPoint())).has_value();
 }
 
 bool NBNimbrelVolume::showPassphraseAssistant()
@@ -185,28 +171,12 @@ void NBNimbrelVolume::startDisk()
             }};
     _mountPointFolder = std::make_shared<MountPointFolder>(coreText(_services.mountRoot),
                                                            coreText(mountPointName()));
-    _fuseFS = std::make_shared<UserFileSystem>(_nmFS->copy(), notifications, _services.keeper);
+    std::shared_ptr<NBNimbrelFS> ofDisk = _nmFS->copy();
+    if (!ofDisk)
+        return notifications.mountFailed(noContexts());
+    _fuseFS = std::make_shared<UserFileSystem>(std::move(ofDisk), notifications, _services.keeper);
     QThreadPool::globalInstance()->start(DiskStart(
         _fuseFS, _mountPointFolder, coreTexts(mountOptions()), notifications.mountFailed));
-}
-
-QStringList NBNimbrelVolume::mountOptions() const
-{
-    QStringList options{
-        QStringLiteral("volname=") + _label,
-        QStringLiteral("modules=iconv:volicon"),
-        QStringLiteral("from_code=UTF-8"),
-        QStringLiteral("to_code=UTF-8-MAC"),
-        QStringLiteral("iconpath=") +
-            _services.resources.path(QStringLiteral("volume"), QStringLiteral("icns"))
-                .value_or(QString()),
-        QStringLiteral("native_xattr"),
-    };
-    if (_local || _spotlight)
-        options << QStringLiteral("local");
-    if (_allowAll || _spotlight)
-        options << QStringLiteral("allow_other");
-    return options << QStringLiteral("auto_cache") << QStringLiteral("fssubtype=10");
 }
 
 void NBNimbrelVolume::openAndMountIfRequired()
@@ -217,30 +187,6 @@ void NBNimbrelVolume::openAndMountIfRequired()
         if (const VolumePtr volume = mounted ? weak.lock() : nullptr)
             volume->_services.workspace.openFile(volume->mountPoint());
     });
-}
-
-bool NBNimbrelVolume::deleteMountPoint()
-{
-    const QString path = mountPoint();
-    if (!Util::exists(path)) {
-        Util::showAlert(texts::tr("The mount point does not exist."));
-        return false;
-    }
-    if (!Util::directoryExists(path)) {
-        Util::showAlert(texts::tr("The mount point is not a directory."));
-        return false;
-    }
-    // Any list, be it empty, counts as content (kept).
-    std::error_code error;
-    const std::filesystem::directory_iterator list(coreText(path), error);
-    if (!error) {
-        Util::showAlert(texts::tr("The mount point is not empty."));
-        return false;
-    }
-    if (std::filesystem::remove(coreText(path), error))
-        return true;
-    Util::showAlert(texts::tr("Could not delete the mount point."));
-    return false;
 }
 
 } // namespace nimbrel

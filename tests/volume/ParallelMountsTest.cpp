@@ -41,8 +41,7 @@ protected:
         }
     }
 
-    // A folder whose key takes as long as those of other programs of the format do: the count that
-    // they measure for half a second.
+    // A folder whose key takes a while, as those of other programs of the format do.
     static void slowDown(const VolumePtr &volume);
 
     double derivation(const VolumePtr &volume)
@@ -62,7 +61,7 @@ protected:
 void ParallelMountsTest::slowDown(const VolumePtr &volume)
 {
     NBPreferencesDictionary preferences;
-    preferences.set(preferenceKey::kdfIterations, std::int64_t{400'000});
+    preferences.set(preferenceKey::kdfIterations, std::int64_t{120'000});
     const auto slow = NBNimbrelFS::withRootPath(coreText(volume->path()), preferences);
     slow->setAreFilenamesEncrypted(true);
     ASSERT_TRUE(slow->setPassphrase(password));
