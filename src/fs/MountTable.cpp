@@ -1,12 +1,14 @@
 #include "fs/MountTable.h"
 
+#include "config/UniqueFd.h"
 #include "fs/DeadMountProbe.h"
 
 #include <algorithm>
 #include <charconv>
-#include <fstream>
-#include <iterator>
+#include <fcntl.h>
 #include <sys/sysmacros.h>
+#include <unistd.h>
+#include <utility>
 
 namespace nimbrel {
 
@@ -20,6 +22,8 @@ bool isOctal(char character) noexcept
 // The kernel writes blanks, line ends, backslashes and '#' as a backslash and three octal digits.
 std::string unescaped(std::string_view field)
 {
+    if (field.find('\\') == std::string_view::npos)
+        return std::string(field);
     std::string text;
     text.reserve(field.size());
     for (std::size_t i = 0; i < field.size(); ++i) {
@@ -133,8 +137,15 @@ std::vector<Mount> parseMountTable(std::string_view mountinfo)
 
 std::vector<Mount> mountTable()
 {
-    std::ifstream stream("/proc/self/mountinfo", std::ios::binary);
-    return parseMountTable(std::string(std::istreambuf_iterator<char>(stream), {}));
+    const UniqueFd file(::open("/proc/self/mountinfo", O_RDONLY | O_CLOEXEC));
+    std::string text;
+    std::size_t size = 0;
+    do { // the kernel gives whole lines, and as many as it likes
+        text.resize(size + 65536);
+        const ssize_t got = file ? ::read(file.get(), text.data() + size, text.size() - size) : 0;
+        text.resize(size + static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
+    } while (std::exchange(size, text.size()) != text.size());
+    return parseMountTable(text);
 }
 
 std::optional<Mount> mountOf(const std::vector<Mount> &table, const std::string &path)

@@ -68,7 +68,15 @@ std::shared_ptr<NBNimbrelFS> newView(const QString &path, qint64 keySize, qint64
 
 NBNimbrelVolume::NBNimbrelVolume(VolumeServices &services) : _services(services) {}
 
-NBNimbrelVolume::~NBNimbrelVolume() = default;
+// A disk that still stands ends here, and takes along what was made for it.
+NBNimbrelVolume::~NBNimbrelVolume()
+{
+    if (_observation == 0)
+        return;
+    _fuseFS.reset();
+    removeDesktopAlias();
+    _mountPointFolder->remove();
+}
 
 VolumePtr NBNimbrelVolume::withPath(VolumeServices &services, const QString &path,
                                     SecureBuffer passphrase, qint64 keySize, qint64 blockSize)

@@ -20,6 +20,7 @@ class NBNimbrelVolume;
 class UserFileSystem;
 struct MountFailure;
 struct NBPreferencesError;
+struct OpenedFolder;
 
 using VolumePtr = std::shared_ptr<NBNimbrelVolume>;
 using VolumeHandler = std::function<void(bool)>; // may be absent
@@ -147,7 +148,7 @@ private:
     [[nodiscard]] bool mayUseMountPoint();
     void open();
     void refuseConfiguration(const NBPreferencesError &error);
-    void didOpen(std::shared_ptr<NBNimbrelFS> opened);
+    void didOpen(const OpenedFolder &opened);
     void startDisk();
     void stopMounting() noexcept { _isBusy = false; }
     void didMount();

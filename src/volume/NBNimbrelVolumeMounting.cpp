@@ -5,8 +5,7 @@
 #include "app/TextFormat.h"
 #include "app/Util.h"
 #include "config/ConfigurationLookup.h"
-#include "config/NBNimbrelFSPreferences.h"
-#include "config/PreferencesLimits.h"
+#include "config/NBPreferencesError.h"
 #include "fs/NBNimbrelFS.h"
 #include "fs/UserFileSystem.h"
 #include "platform/Workspace.h"
@@ -14,6 +13,7 @@
 #include "volume/DiskStart.h"
 #include "volume/MountPointFolder.h"
 #include "volume/NBVolumesUserInterface.h"
+#include "volume/OpenedFolder.h"
 #include "volume/TextConversion.h"
 #include "volume/VolumeTexts.h"
 
@@ -93,31 +93,17 @@ bool NBNimbrelVolume::showPassphraseAssistant()
     return true;
 }
 
-// Reads and judges the configuration, then has its key opened off this thread: a derivation takes
-// as long as the folder's own iterations make it.
+// The configuration is read and its key derived off this thread: the folder may lie on a slow
+// store, and a derivation takes as long as the folder's own iterations make it.
 void NBNimbrelVolume::open()
 {
-    NBPreferencesError error;
-    const std::optional<NBPreferencesDictionary> preferences =
-        NBNimbrelFSPreferences().preferencesWithURL(coreText(_configPath), &error);
-    if (!preferences) {
-        refuseConfiguration(error);
-        return stopMounting();
-    }
-    if (const std::optional<std::string> complaint = judgeLimits(*preferences)) {
-        refuseConfiguration({std::string(NBNMFSPreferencesErrorDomain), -1, *complaint});
-        return stopMounting();
-    }
     inBackground(
         weak_from_this(),
-        [root = coreText(_path), preferences = *preferences,
+        [root = coreText(_path), configPath = coreText(_configPath),
          passphrase = std::make_shared<SecureBuffer>(SecureBuffer::copyOf(_passphrase.text()))] {
-            return std::shared_ptr<NBNimbrelFS>(
-                NBNimbrelFS::withRootPath(root, preferences, passphrase->text()));
+            return openFolder(root, configPath, passphrase->text());
         },
-        [](NBNimbrelVolume &volume, std::shared_ptr<NBNimbrelFS> opened) {
-            volume.didOpen(std::move(opened));
-        });
+        [](NBNimbrelVolume &volume, const OpenedFolder &opened) { volume.didOpen(opened); });
 }
 
 void NBNimbrelVolume::refuseConfiguration(const NBPreferencesError &error)
@@ -138,11 +124,15 @@ void NBNimbrelVolume::refuseConfiguration(const NBPreferencesError &error)
         formatted(texts::tr("The path %@ is not a valid Nimbrel Folder."), {_path}));
 }
 
-// Null is a wrong password: the question comes back, as often as the user tries.
-void NBNimbrelVolume::didOpen(std::shared_ptr<NBNimbrelFS> opened)
+// Neither is a wrong password: the question comes back, as often as the user tries.
+void NBNimbrelVolume::didOpen(const OpenedFolder &opened)
 {
     const auto self = shared_from_this();
-    _nmFS = std::move(opened);
+    if (opened.refusal) {
+        refuseConfiguration(*opened.refusal);
+        return stopMounting();
+    }
+    _nmFS = opened.view;
     if (_nmFS)
         return startDisk();
     const bool given = showPassphraseAssistant();

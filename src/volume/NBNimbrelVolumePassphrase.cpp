@@ -3,9 +3,8 @@
 
 #include "app/SystemLog.h"
 #include "app/Util.h"
-#include "config/NBNimbrelFSPreferences.h"
-#include "config/PreferencesLimits.h"
 #include "fs/NBNimbrelFS.h"
+#include "volume/OpenedFolder.h"
 #include "volume/StoredPassphrase.h"
 #include "volume/TextConversion.h"
 #include "volume/VolumeTexts.h"
@@ -67,14 +66,12 @@ bool NBNimbrelVolume::isConfigurationOurs() const
         return false;
     if (!Util::fileExists(_configPath))
         return true; // there is nothing to lose
-    NBPreferencesError error;
-    const auto stored = NBNimbrelFSPreferences().preferencesWithURL(coreText(_configPath), &error);
-    if (!stored || judgeLimits(*stored)) {
-        systemLog(QStringLiteral("%1: %2").arg(_configPath, qtText(error.message)));
-        return false;
-    }
-    const auto opened = NBNimbrelFS::withRootPath(coreText(_path), *stored, _passphrase.text());
-    if (opened && std::ranges::equal(opened->cryptor().key().data(), _nmFS->cryptor().key().data()))
+    const OpenedFolder stored =
+        openFolder(coreText(_path), coreText(_configPath), _passphrase.text());
+    if (stored.refusal)
+        systemLog(QStringLiteral("%1: %2").arg(_configPath, qtText(stored.refusal->message)));
+    if (stored.view &&
+        std::ranges::equal(stored.view->cryptor().key().data(), _nmFS->cryptor().key().data()))
         return true;
     systemLog(QStringLiteral("%1 isn't the configuration that was mounted; unmount and mount the "
                              "folder, then change its password")

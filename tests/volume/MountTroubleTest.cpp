@@ -162,7 +162,10 @@ TEST_F(MountTroubleTest, AFailedMountTakesBackTheFolderThatItMade)
 {
     const VolumePtr volume = ready();
     const std::string away = desk.home() + "/away";
-    // The encrypted folder goes while its key is being opened.
+    // The encrypted folder goes while its key is being opened; its configuration lies elsewhere.
+    const QString elsewhere = desk.path("configuration.xml");
+    fs::copy(coreText(volume->configPath()), coreText(elsewhere));
+    volume->setConfigPath(elsewhere);
     std::vector<bool> results;
     volume->mount(into(results));
     fs::rename(coreText(volume->path()), away);

@@ -31,18 +31,28 @@ class ParallelMountsTest : public ::testing::Test
 protected:
     void SetUp() override { NIMBREL_NEED_MOUNTS(); }
 
-    void makeVolumes(NBVolumesController &controller)
+    struct Figures
+    {
+        double oneKey = 0; // milliseconds, as all of these
+        double start = 0;
+        double longest = 0; // that the main thread was held at a time
+        double all = 0;
+        int mounted = 0;
+    };
+
+    Figures mountAll(std::int64_t iterations);
+
+    void makeVolumes(NBVolumesController &controller, std::int64_t iterations)
     {
         for (int i = 0; i < count; ++i) {
             const VolumePtr made = desk.makeVolume("Disk" + std::to_string(i), password);
-            slowDown(made);
+            setIterations(made, iterations);
             controller.volumes().append(desk.fromArchive(made));
             controller.volumes().last()->setPassphrase(SecureBuffer::copyOf(password));
         }
     }
 
-    // A folder whose key takes a while, as those of other programs of the format do.
-    static void slowDown(const VolumePtr &volume);
+    static void setIterations(const VolumePtr &volume, std::int64_t iterations);
 
     double derivation(const VolumePtr &volume)
     {
@@ -58,10 +68,10 @@ protected:
     VolumeDesk desk{{.bus = true, .keyring = true}};
 };
 
-void ParallelMountsTest::slowDown(const VolumePtr &volume)
+void ParallelMountsTest::setIterations(const VolumePtr &volume, std::int64_t iterations)
 {
     NBPreferencesDictionary preferences;
-    preferences.set(preferenceKey::kdfIterations, std::int64_t{120'000});
+    preferences.set(preferenceKey::kdfIterations, iterations);
     const auto slow = NBNimbrelFS::withRootPath(coreText(volume->path()), preferences);
     slow->setAreFilenamesEncrypted(true);
     ASSERT_TRUE(slow->setPassphrase(password));
@@ -69,32 +79,44 @@ void ParallelMountsTest::slowDown(const VolumePtr &volume)
                                     configurationBackupFolder()));
 }
 
-TEST_F(ParallelMountsTest, TenVolumesMountWithoutHoldingTheMainThread)
+ParallelMountsTest::Figures ParallelMountsTest::mountAll(std::int64_t iterations)
 {
     NBVolumesController &controller = desk.makeController();
-    makeVolumes(controller);
-    int mounted = 0;
+    makeVolumes(controller, iterations);
+    Figures figures{.oneKey = derivation(controller.volumes().first())};
     QObject::connect(&controller,
                      &NBVolumesController::NBVolumesControllerDidMountVolumeNotification,
-                     &controller, [&] { ++mounted; });
-    const double oneKey = derivation(controller.volumes().first());
-
+                     &controller, [&] { ++figures.mounted; });
     const auto begin = Clock::now();
-    double longest = millisecondsOf([&] { controller.automountVolumes(); });
-    const double start = longest;
-    const auto end = begin + std::chrono::seconds(120);
-    while (mounted < count && Clock::now() < end) {
-        longest = std::max(longest, millisecondsOf([] { QCoreApplication::processEvents(); }));
+    figures.start = millisecondsOf([&] { controller.automountVolumes(); });
+    figures.longest = figures.start;
+    while (figures.mounted < count && Clock::now() < begin + std::chrono::seconds(120)) {
+        figures.longest =
+            std::max(figures.longest, millisecondsOf([] { QCoreApplication::processEvents(); }));
         sleepBriefly();
     }
-    const double all = Milliseconds(Clock::now() - begin).count();
-
-    EXPECT_EQ(mounted, count);
-    EXPECT_LT(longest, oneKey);
-    RecordProperty("one_key_ms", std::to_string(oneKey));
+    figures.all = Milliseconds(Clock::now() - begin).count();
     std::printf("[ figures  ] one key %.1f ms; ten volumes mounted in %.1f ms; the main thread was "
                 "held %.1f ms by the start and at most %.1f ms at a time\n",
-                oneKey, all, start, longest);
+                figures.oneKey, figures.all, figures.start, figures.longest);
+    return figures;
+}
+
+// Other programs of the format measure their count for half a second.
+TEST_F(ParallelMountsTest, TenVolumesWithSlowKeysMountWithoutHoldingTheMainThread)
+{
+    const Figures figures = mountAll(120'000);
+    EXPECT_EQ(figures.mounted, count);
+    EXPECT_LT(figures.longest, figures.oneKey);
+}
+
+// Their keys take some milliseconds, which a busy machine's scheduler takes, too: the bound is what
+// a person notices.
+TEST_F(ParallelMountsTest, TenVolumesOfOursMountWithoutHoldingTheMainThread)
+{
+    const Figures figures = mountAll(5000);
+    EXPECT_EQ(figures.mounted, count);
+    EXPECT_LT(figures.longest, 100);
 }
 
 } // namespace
