@@ -72,9 +72,9 @@ void NBNimbrelVolume::writeAuxiliaryFilesToDisk()
 {
     const QString extension = QStringLiteral(".pdf");
     if (const auto path = manual(_services.resources, QStringLiteral("Nimbrel for Mac Manual")))
-        copyOntoDisk(*path, pathIn(mountPoint(), texts::tr("Nimbrel for Mac Manual") + extension));
+        copyOntoDisk(*path, mountPoint(), texts::tr("Nimbrel for Mac Manual") + extension);
     if (const auto path = manual(_services.resources, QStringLiteral("Getting Started")))
-        copyOntoDisk(*path, pathIn(mountPoint(), QStringLiteral("Getting Started.pdf")));
+        copyOntoDisk(*path, mountPoint(), QStringLiteral("Getting Started.pdf"));
 }
 
 } // namespace nimbrel

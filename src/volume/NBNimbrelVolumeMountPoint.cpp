@@ -5,26 +5,13 @@
 #include "fs/MountTable.h"
 #include "platform/Preferences.h"
 #include "platform/Resources.h"
+#include "volume/MountPlace.h"
 #include "volume/TextConversion.h"
 #include "volume/VolumeTexts.h"
 
 #include <filesystem>
 
 namespace nimbrel {
-
-namespace {
-
-// The folder above resolved, nothing asked of the mount point itself: it may be a disk that hangs.
-std::string canonicalMountPoint(const QString &mountPoint)
-{
-    const std::filesystem::path path(coreText(mountPoint));
-    std::error_code error;
-    const std::filesystem::path parent =
-        std::filesystem::weakly_canonical(path.parent_path(), error);
-    return error ? path.string() : (parent / path.filename()).string();
-}
-
-} // namespace
 
 QString NBNimbrelVolume::mountPoint() const
 {
