@@ -13,6 +13,7 @@
 #include <QThread>
 #include <QToolBar>
 
+#include <algorithm>
 #include <atomic>
 
 namespace nimbrel {
@@ -128,9 +129,10 @@ void Util::clearToolbar(QToolBar &toolbar)
 void Util::removeItem(QAction *item, QToolBar &fromToolbar)
 {
     const QList<QAction *> items = fromToolbar.actions();
-    for (auto each = items.rbegin(); each != items.rend(); ++each)
-        if (*each == item)
-            fromToolbar.removeAction(*each);
+    std::for_each(items.crbegin(), items.crend(), [&](QAction *each) {
+        if (each == item)
+            fromToolbar.removeAction(each);
+    });
 }
 
 int Util::runModal(const Alert &alert)

@@ -37,7 +37,7 @@ QString Util::getTaskOutput(QProcess &task, QIODevice &ouputHandle)
 {
     for (;;) {
         // The test stands behind the read: a task that has ended is read once.
-        const QString text = getTaskOutput(ouputHandle);
+        QString text = getTaskOutput(ouputHandle);
         if (!text.isEmpty() || !isRunning(task))
             return text;
         waitForOutput(task, ouputHandle);

@@ -53,10 +53,10 @@ quint64 ArchiveWriter::classObject(const QStringList &names)
     const auto known = _classes.constFind(names.first());
     if (known != _classes.cend())
         return *known;
-    const plist_t hierarchy = plist_new_array();
+    plist_t hierarchy = plist_new_array();
     for (const QString &name : names)
         plist_array_append_item(hierarchy, plist_new_string(name.toUtf8().constData()));
-    const plist_t description = plist_new_dict();
+    plist_t description = plist_new_dict();
     plist_dict_set_item(description, "$classname",
                         plist_new_string(names.first().toUtf8().constData()));
     plist_dict_set_item(description, "$classes", hierarchy);
@@ -75,7 +75,7 @@ plist_t ArchiveWriter::valueNode(const KeyedRecord::Value &value)
 
 quint64 ArchiveWriter::appendRecord(const KeyedRecord &record)
 {
-    const plist_t object = plist_new_dict();
+    plist_t object = plist_new_dict();
     const quint64 place = append(object);
     for (const auto &[key, value] : record.values())
         plist_dict_set_item(object, key.toUtf8().constData(), valueNode(value));
@@ -86,9 +86,9 @@ quint64 ArchiveWriter::appendRecord(const KeyedRecord &record)
 
 quint64 ArchiveWriter::appendRoot(const QList<KeyedRecord> &records)
 {
-    const plist_t root = plist_new_dict();
+    plist_t root = plist_new_dict();
     const quint64 place = append(root);
-    const plist_t elements = plist_new_array();
+    plist_t elements = plist_new_array();
     plist_dict_set_item(root, "NS.objects", elements);
     for (const KeyedRecord &record : records)
         plist_array_append_item(elements, plist_new_uid(appendRecord(record)));
@@ -100,7 +100,7 @@ quint64 ArchiveWriter::appendRoot(const QList<KeyedRecord> &records)
 
 QByteArray ArchiveWriter::write(const QList<KeyedRecord> &records)
 {
-    const plist_t names = plist_new_dict();
+    plist_t names = plist_new_dict();
     plist_dict_set_item(names, "root", plist_new_uid(appendRoot(records)));
     const PropertyListNode top(plist_new_dict());
     plist_dict_set_item(top.get(), "$version", plist_new_uint(keyedArchiveForm::version));

@@ -44,9 +44,9 @@ bool ArchiveReader::isKeyedArchive()
 {
     if (!isKind(_top, PLIST_DICT))
         return false;
-    const plist_t archiver = plist_dict_get_item(_top, "$archiver");
-    const plist_t version = plist_dict_get_item(_top, "$version");
-    const plist_t objects = plist_dict_get_item(_top, "$objects");
+    plist_t archiver = plist_dict_get_item(_top, "$archiver");
+    plist_t version = plist_dict_get_item(_top, "$version");
+    plist_t objects = plist_dict_get_item(_top, "$objects");
     if (!isKind(archiver, PLIST_STRING) ||
         textOfNode(archiver) != QLatin1String(keyedArchiveForm::archiver) ||
         !isKind(version, PLIST_UINT) || !isKind(objects, PLIST_ARRAY))
@@ -75,9 +75,8 @@ std::optional<QString> ArchiveReader::className(plist_t object)
     const auto description = place(plist_dict_get_item(object, "$class"));
     if (!description)
         return std::nullopt;
-    const plist_t node = _objects[*description];
-    const plist_t name =
-        isKind(node, PLIST_DICT) ? plist_dict_get_item(node, "$classname") : nullptr;
+    plist_t node = _objects[*description];
+    plist_t name = isKind(node, PLIST_DICT) ? plist_dict_get_item(node, "$classname") : nullptr;
     if (!isKind(name, PLIST_STRING))
         return refuse(QStringLiteral("an object has no class"));
     return textOfNode(name);
@@ -87,7 +86,7 @@ std::optional<QList<KeyedRecord>> ArchiveReader::read()
 {
     if (!isKeyedArchive())
         return refuse(QStringLiteral("it is no keyed archive"));
-    const plist_t names = plist_dict_get_item(_top, "$top");
+    plist_t names = plist_dict_get_item(_top, "$top");
     const auto root =
         place(isKind(names, PLIST_DICT) ? plist_dict_get_item(names, "root") : nullptr);
     if (!root)
@@ -104,7 +103,7 @@ std::optional<QList<KeyedRecord>> ArchiveReader::list(plist_t root)
     const auto name = className(root);
     if (!name)
         return std::nullopt;
-    const plist_t array = plist_dict_get_item(root, "NS.objects");
+    plist_t array = plist_dict_get_item(root, "NS.objects");
     const bool isList =
         *name == QLatin1String("NSArray") || *name == QLatin1String("NSMutableArray");
     if (!isList || !isKind(array, PLIST_ARRAY))
@@ -113,7 +112,7 @@ std::optional<QList<KeyedRecord>> ArchiveReader::list(plist_t root)
     if (references.size() > maximumRecords)
         return refuse(QStringLiteral("its list is too long"));
     QList<KeyedRecord> records;
-    for (const plist_t reference : references) {
+    for (plist_t reference : references) {
         auto element = record(reference);
         if (!element)
             return std::nullopt;

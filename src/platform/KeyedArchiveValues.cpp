@@ -82,7 +82,7 @@ std::optional<QString> ArchiveReader::newText(plist_t object)
     const auto name = className(object);
     if (!name)
         return std::nullopt;
-    const plist_t string = plist_dict_get_item(object, "NS.string");
+    plist_t string = plist_dict_get_item(object, "NS.string");
     const bool isString =
         *name == QLatin1String("NSString") || *name == QLatin1String("NSMutableString");
     if (!isString || !isKind(string, PLIST_STRING))

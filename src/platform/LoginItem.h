@@ -2,11 +2,9 @@
 
 #include <QString>
 
-namespace nimbrel {
-
 // Whether a program starts with the session: an entry of the freedesktop Desktop Application
 // Autostart Specification, $XDG_CONFIG_HOME/autostart/com.nimbrel.Nimbrel.desktop.
-namespace loginItem {
+namespace nimbrel::loginItem {
 
 // The argument that tells the program that the session started it.
 inline const QString launchArgument = QStringLiteral("--launched-at-login");
@@ -18,6 +16,4 @@ inline const QString launchArgument = QStringLiteral("--launched-at-login");
 // Hides the entry: `Hidden=true`. False when it can't be written.
 [[nodiscard]] bool disable(const QString &path);
 
-} // namespace loginItem
-
-} // namespace nimbrel
+} // namespace nimbrel::loginItem

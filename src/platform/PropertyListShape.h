@@ -20,10 +20,10 @@ namespace nimbrel {
 [[nodiscard]] std::optional<QString> propertyListTrouble(const QByteArray &data);
 
 namespace propertyListLimits {
-inline constexpr qsizetype size = 16 * 1024 * 1024; // bytes
-inline constexpr unsigned depth = 16;               // containers and values around each other
+inline constexpr qsizetype size = qsizetype{16} << 20U; // bytes
+inline constexpr unsigned depth = 16;                   // containers and values around each other
 inline constexpr quint64 objects = 1'000'000;
-inline constexpr quint64 memory = 128 * 1024 * 1024; // of the tree, in bytes, roughly
+inline constexpr quint64 memory = quint64{128} << 20U; // of the tree, in bytes, roughly
 } // namespace propertyListLimits
 
 } // namespace nimbrel

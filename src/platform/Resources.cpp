@@ -14,7 +14,7 @@ namespace {
 
 QString defaultFolder()
 {
-    const QString folder = QFile::decodeName(qgetenv("NIMBREL_RESOURCES"));
+    QString folder = QFile::decodeName(qgetenv("NIMBREL_RESOURCES"));
     if (!folder.isEmpty())
         return folder;
     const QString programFolder = QFileInfo(systemFacts::programPath()).path();
@@ -51,7 +51,7 @@ std::optional<QString> existing(const QString &path)
 
 Resources::Resources() : Resources(defaultFolder(), QLocale::system().uiLanguages()) {}
 
-Resources::Resources(QString folder, QStringList languages)
+Resources::Resources(QString folder, const QStringList &languages)
     : _folder(std::move(folder)), _languages(folderNames(languages))
 {
 }

@@ -15,7 +15,7 @@ public:
     // $NIMBREL_RESOURCES where it is set, else share/nimbrel beside the program's own folder, in
     // the languages of the user's locale.
     Resources();
-    Resources(QString folder, QStringList languages);
+    Resources(QString folder, const QStringList &languages);
 
     // pathForResource:ofType:
     // The first that exists: in each of the user's languages ("de_DE", "de"), then unlocalised.

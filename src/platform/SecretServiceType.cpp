@@ -9,7 +9,7 @@ namespace {
 // SecretService's constructor overwrites these properties; its base's leaves them.
 void takeConstructorOfProxies(gpointer ownClass, gpointer /*data*/)
 {
-    const gpointer proxyClass = g_type_class_peek(G_TYPE_DBUS_PROXY);
+    gpointer proxyClass = g_type_class_peek(G_TYPE_DBUS_PROXY);
     static_cast<GObjectClass *>(ownClass)->constructor =
         static_cast<GObjectClass *>(proxyClass)->constructor;
 }

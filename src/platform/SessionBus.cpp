@@ -25,7 +25,7 @@ bool isOwnSocket(const std::string &path)
 
 std::string sessionBusAddress()
 {
-    const std::string address = variable("DBUS_SESSION_BUS_ADDRESS");
+    std::string address = variable("DBUS_SESSION_BUS_ADDRESS");
     // "autolaunch:" is the wish for a bus of one's own.
     if (!address.empty() && address.find("autolaunch:") == std::string::npos)
         return address;

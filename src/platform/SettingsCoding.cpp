@@ -60,7 +60,7 @@ std::optional<QByteArray> settingsText(const SettingsValues &values)
     for (auto value = values.cbegin(); value != values.cend(); ++value)
         settings.setValue(value.key(), *value);
     settings.sync();
-    const auto text = readWhole(fileIn(folder));
+    auto text = readWhole(fileIn(folder));
     if (settings.status() != QSettings::NoError || !text)
         return std::nullopt;
     // A writing that was cut short shows in the reading alone.

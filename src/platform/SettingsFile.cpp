@@ -21,8 +21,8 @@ namespace nimbrel {
 
 namespace {
 
-constexpr std::size_t maximumSize = 32 * 1024 * 1024; // far more than we ever write
-constexpr int longestWriting = 3000;                  // ms, of another process
+constexpr std::size_t maximumSize = std::size_t{32} << 20U; // far more than we ever write
+constexpr int longestWriting = 3000;                        // ms, of another process
 
 QString userFile()
 {
@@ -152,7 +152,7 @@ std::optional<QString> SettingsFile::store()
     // Where there can be no lock, the writing itself tells why.
     if (!lock.tryLock(longestWriting) && lock.error() == QLockFile::LockFailedError)
         return QStringLiteral("Another program keeps the preferences from being stored.");
-    if (const auto failure = load())
+    if (auto failure = load())
         return failure;
     if (_isDamaged && !keepCopy(QStringLiteral("damaged")))
         return *damage() + QStringLiteral(" They can't be copied either, so nothing is stored.");
@@ -167,7 +167,7 @@ std::optional<QString> SettingsFile::writeChanges()
     const auto text = settingsText(values);
     if (!text)
         return temporaryTrouble();
-    if (const auto failure = write(*text))
+    if (auto failure = write(*text))
         return failure;
     _stored = std::move(values);
     _isDamaged = false;

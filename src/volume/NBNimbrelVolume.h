@@ -104,7 +104,7 @@ public:
     [[nodiscard]] QString mountPoint() const;
     [[nodiscard]] QStringList mountOptions() const;
     [[nodiscard]] bool isMountPointInUse() const;
-    bool deleteMountPoint();
+    bool deleteMountPoint() const;
     void openAndMountIfRequired();
 
     // A new folder on disk.
@@ -127,7 +127,7 @@ public:
     // Housekeeping.
     [[nodiscard]] QString aliasPath() const;
     void createAliases(); // goes on in the background
-    void disableTrash();
+    void disableTrash() const;
     void fixDamagedFiles();
     bool alertShowHelp();
     [[nodiscard]] static QString runTask(const QString &withLaunchPath,
@@ -145,7 +145,7 @@ private:
     [[nodiscard]] QString mountPointName() const;
     void log(const char *method, int line, const char *what) const;
     [[nodiscard]] bool hasFolderAndConfiguration();
-    [[nodiscard]] bool mayUseMountPoint();
+    [[nodiscard]] bool mayUseMountPoint() const;
     void open();
     void refuseConfiguration(const NBPreferencesError &error);
     void didOpen(const OpenedFolder &opened);

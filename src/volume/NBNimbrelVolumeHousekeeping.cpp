@@ -56,7 +56,7 @@ void NBNimbrelVolume::removeDesktopAlias()
     removeAlias(_desktopAlias, qtText(_mountPointFolder->path()));
 }
 
-void NBNimbrelVolume::disableTrash()
+void NBNimbrelVolume::disableTrash() const
 {
     keepTrashAway(mountPoint());
 }
@@ -82,7 +82,7 @@ QString NBNimbrelVolume::runTask(const QString &withLaunchPath, const QStringLis
     QProcess task;
     task.setProcessChannelMode(QProcess::MergedChannels);
     task.start(withLaunchPath, arguments);
-    const QString output = Util::getTaskOutput(task, task);
+    QString output = Util::getTaskOutput(task, task);
     task.waitForFinished(-1);
     return output;
 }

@@ -49,7 +49,7 @@ QStringList NBNimbrelVolume::mountOptions() const
     return options << QStringLiteral("auto_cache") << QStringLiteral("fssubtype=10");
 }
 
-bool NBNimbrelVolume::deleteMountPoint()
+bool NBNimbrelVolume::deleteMountPoint() const
 {
     const QString path = mountPoint();
     if (!Util::exists(path)) {

@@ -73,7 +73,7 @@ bool NBNimbrelVolume::hasFolderAndConfiguration()
 
 // Despite the question nothing is unmounted here (kept): the mount goes ahead, clears a dead disk
 // away and is refused by a living one.
-bool NBNimbrelVolume::mayUseMountPoint()
+bool NBNimbrelVolume::mayUseMountPoint() const
 {
     if (!isMountPointInUse())
         return true;
