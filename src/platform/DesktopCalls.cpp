@@ -85,7 +85,6 @@ void tryWays(Ways ways)
     auto *watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(*call),
                                                 QCoreApplication::instance());
     // It deletes itself when the answer is there.
-    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks)
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, ways] {
         watcher->deleteLater();
         if (watcher->isError())
