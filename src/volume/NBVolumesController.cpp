@@ -87,9 +87,19 @@ void NBVolumesController::mountVolume(const VolumePtr &volume, VolumeHandler com
 
 void NBVolumesController::unmountVolume(const VolumePtr &volume, VolumeHandler completitionHandler)
 {
+    const bool reported = volume->delegate() == this;
     volume->setDelegate(nullptr);
+    // A disk that is refused to go stays one of ours: its end from outside is still to be told.
+    VolumeHandler restored = [controller = QPointer(this), reported, weak = std::weak_ptr(volume),
+                              handler = std::move(completitionHandler)](bool unmounted) {
+        const VolumePtr alive = weak.lock();
+        if (!unmounted && reported && controller && alive && alive->isMounted())
+            alive->setDelegate(controller);
+        if (handler)
+            handler(unmounted);
+    };
     volume->unmount(
-        announcing(&NBVolumesController::volumeDidUnmount, volume, std::move(completitionHandler)));
+        announcing(&NBVolumesController::volumeDidUnmount, volume, std::move(restored)));
 }
 
 // The notification is out before the caller hears of it. A handler may stay with its volume for

@@ -1,10 +1,12 @@
 // Mounts and unmounts through the list, and who hears of them.
+#include "config/UniqueFd.h"
 #include "support/Files.h"
 #include "support/MountInfo.h"
 #include "volume/StoredList.h"
 
 #include <QThread>
 
+#include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
 
@@ -385,6 +387,25 @@ TEST_F(MountedControllerTest, VolumeThatIsDroppedWhileItsDiskStartsLeavesNoDisk)
     settle();
     EXPECT_TRUE(eventLoopUntil([&] { return desk.hasNoMounts(); }));
     EXPECT_EQ(listener.heard, "");
+}
+
+// Without its delegate, the disk's end would be told to nobody: a window would show it for ever.
+TEST_F(MountedControllerTest, DiskThatRefusedToGoIsStillReportedWhenItIsEjectedLater)
+{
+    const VolumePtr volume = addMounted("Work");
+    {
+        const std::string path = coreText(volume->mountPoint()) + "/open.txt";
+        writeFile(path, "in use");
+        const UniqueFd open(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+        controller.unmountVolume(volume, listener.handler());
+        ASSERT_TRUE(eventLoopUntil([&] { return !volume->isBusy(); }));
+    }
+    ASSERT_TRUE(volume->isMounted());
+    listener.heard.clear();
+    const RunResult ejected = eject(volume);
+    ASSERT_EQ(ejected.status, 0) << ejected.error;
+    EXPECT_TRUE(eventLoopUntil([&] { return !volume->isMounted(); }));
+    EXPECT_EQ(listener.heard, "unmounted Work;");
 }
 
 TEST_F(MountedControllerTest, VolumeMountedThroughAListThatHasGoneUnmountsInPeace)
