@@ -15,15 +15,6 @@ using Values = QList<std::pair<QString, KeyedRecord::Value>>;
 class ArchivedRecordTest : public ::testing::Test
 {
 protected:
-    // A folder with these files in it; its path.
-    QString makeFolder(const std::string &name, const std::vector<std::string> &files = {})
-    {
-        fs::create_directories(desk.home() + "/" + name);
-        for (const std::string &file : files)
-            writeFile(desk.home() + "/" + name + "/" + file, "configuration");
-        return desk.path(name);
-    }
-
     // In the order of writing. The booleans alternate, so that none stands for its neighbour.
     static KeyedRecord record(const QString &root, const QString &configPath, bool first = true)
     {
@@ -58,7 +49,7 @@ const QString old = QStringLiteral("/Keyfile.nmx");
 
 TEST_F(ArchivedRecordTest, RecordIsReadAsItStands)
 {
-    const QString root = makeFolder("Safe.nmc", {"mine.xml"});
+    const QString root = desk.makeFolder("Safe.nmc", {"mine.xml"});
     const VolumePtr volume = read(record(root, root + QStringLiteral("/mine.xml")));
     EXPECT_EQ(volume->version(), 1);
     EXPECT_EQ(volume->path(), root);
@@ -76,7 +67,7 @@ TEST_F(ArchivedRecordTest, RecordIsReadAsItStands)
 
 TEST_F(ArchivedRecordTest, EachBooleanHasItsOwnKey)
 {
-    const QString root = makeFolder("Safe.nmc", {".encfs6.xml"});
+    const QString root = desk.makeFolder("Safe.nmc", {".encfs6.xml"});
     const VolumePtr volume = read(record(root, root + usual, false));
     EXPECT_FALSE(volume->storePassphrase());
     EXPECT_TRUE(volume->automount());
@@ -88,28 +79,28 @@ TEST_F(ArchivedRecordTest, EachBooleanHasItsOwnKey)
 
 TEST_F(ArchivedRecordTest, ConfigurationThatHasGoneIsExpectedInTheFolderUnderItsUsualName)
 {
-    const QString bare = makeFolder("Bare.nmc");
+    const QString bare = desk.makeFolder("Bare.nmc");
     EXPECT_EQ(read(record(bare, bare + QStringLiteral("/gone.xml")))->configPath(), bare + usual);
-    const QString withOld = makeFolder("Old.nmc", {"Keyfile.nmx"});
+    const QString withOld = desk.makeFolder("Old.nmc", {"Keyfile.nmx"});
     EXPECT_EQ(read(record(withOld, withOld + QStringLiteral("/gone.xml")))->configPath(),
               withOld + usual);
 }
 
 TEST_F(ArchivedRecordTest, OldConfigurationThatIsStoredAndThereStays)
 {
-    const QString root = makeFolder("Safe.nmc", {"Keyfile.nmx", ".encfs6.xml"});
+    const QString root = desk.makeFolder("Safe.nmc", {"Keyfile.nmx", ".encfs6.xml"});
     EXPECT_EQ(read(record(root, root + old))->configPath(), root + old);
 }
 
 TEST_F(ArchivedRecordTest, OldConfigurationThatHasGoneBecomesTheUsualOne)
 {
-    const QString root = makeFolder("Safe.nmc");
+    const QString root = desk.makeFolder("Safe.nmc");
     EXPECT_EQ(read(record(root, root + old))->configPath(), root + usual);
 }
 
 TEST_F(ArchivedRecordTest, FolderWithTheOldExtensionIsRenamedAndItsConfigurationFollows)
 {
-    const QString root = makeFolder("Safe.nm", {"Keyfile.nmx"});
+    const QString root = desk.makeFolder("Safe.nm", {"Keyfile.nmx"});
     const VolumePtr volume = read(record(root, root + old));
     EXPECT_EQ(volume->path(), desk.path("Safe.nmc"));
     EXPECT_EQ(volume->configPath(), desk.path("Safe.nmc/Keyfile.nmx"));
@@ -118,8 +109,9 @@ TEST_F(ArchivedRecordTest, FolderWithTheOldExtensionIsRenamedAndItsConfiguration
 
 TEST_F(ArchivedRecordTest, RenamedFolderLooksForItsConfigurationWithinItself)
 {
-    const QString elsewhere = makeFolder("Elsewhere", {"mine.xml"}) + QStringLiteral("/mine.xml");
-    const QString root = makeFolder("Safe.nm", {".encfs6.xml"});
+    const QString elsewhere =
+        desk.makeFolder("Elsewhere", {"mine.xml"}) + QStringLiteral("/mine.xml");
+    const QString root = desk.makeFolder("Safe.nm", {".encfs6.xml"});
     EXPECT_EQ(read(record(root, elsewhere))->configPath(), desk.path("Safe.nmc") + usual);
 }
 
@@ -133,8 +125,8 @@ TEST_F(ArchivedRecordTest, FolderWithTheOldExtensionThatHasGoneTakesTheNewPath)
 
 TEST_F(ArchivedRecordTest, FolderThatCannotBeRenamedKeepsPathAndConfigurationWithoutAWord)
 {
-    const QString root = makeFolder("Safe.nm", {"Keyfile.nmx"});
-    makeFolder("Safe.nmc");
+    const QString root = desk.makeFolder("Safe.nm", {"Keyfile.nmx"});
+    desk.makeFolder("Safe.nmc");
     const SystemLogLines log;
     const VolumePtr volume = read(record(root, root + old));
     EXPECT_EQ(volume->path(), root);
@@ -145,7 +137,7 @@ TEST_F(ArchivedRecordTest, FolderThatCannotBeRenamedKeepsPathAndConfigurationWit
 
 TEST_F(ArchivedRecordTest, RecordOfAnotherVersionIsEmptyAndLogged)
 {
-    const QString root = makeFolder("Safe.nm", {".encfs6.xml"});
+    const QString root = desk.makeFolder("Safe.nm", {".encfs6.xml"});
     KeyedRecord coder = record(root, root + usual);
     coder.encodeInteger(QStringLiteral("version"), 2);
     const SystemLogLines log;
@@ -185,7 +177,7 @@ TEST_F(ArchivedRecordTest, RecordWithNothingButItsVersionIsReadable)
 
 TEST_F(ArchivedRecordTest, EncodingAgainGivesTheSameValuesInTheirOrder)
 {
-    const QString root = makeFolder("Safe.nmc", {"mine.xml"});
+    const QString root = desk.makeFolder("Safe.nmc", {"mine.xml"});
     for (const bool first : {true, false}) {
         const KeyedRecord coder = record(root, root + QStringLiteral("/mine.xml"), first);
         EXPECT_EQ(encoded(read(coder)), coder.values());
@@ -194,14 +186,14 @@ TEST_F(ArchivedRecordTest, EncodingAgainGivesTheSameValuesInTheirOrder)
 
 TEST_F(ArchivedRecordTest, EncodingAgainChangesTheConfigurationThatHasGoneAndNothingElse)
 {
-    const QString root = makeFolder("Safe.nmc");
+    const QString root = desk.makeFolder("Safe.nmc");
     const KeyedRecord coder = record(root, root + QStringLiteral("/gone.xml"));
     EXPECT_EQ(encoded(read(coder)), record(root, root + usual).values());
 }
 
 TEST_F(ArchivedRecordTest, EncodingAgainChangesTheRenamedFoldersPathsAndNothingElse)
 {
-    const QString root = makeFolder("Safe.nm", {"Keyfile.nmx"});
+    const QString root = desk.makeFolder("Safe.nm", {"Keyfile.nmx"});
     const KeyedRecord coder = record(root, root + old);
     const QString renamed = desk.path("Safe.nmc");
     EXPECT_EQ(encoded(read(coder)), record(renamed, renamed + old).values());
@@ -226,8 +218,8 @@ TEST_F(ArchivedRecordTest, PasswordIsNoPartOfTheArchive)
 
 TEST_F(ArchivedRecordTest, ArchiveOfOurOwnComesBackByteForByte)
 {
-    const QString one = makeFolder("One.nmc", {".encfs6.xml"});
-    const QString two = makeFolder("Two.nmc", {"Keyfile.nmx"});
+    const QString one = desk.makeFolder("One.nmc", {".encfs6.xml"});
+    const QString two = desk.makeFolder("Two.nmc", {"Keyfile.nmx"});
     const QByteArray archive =
         archivedData({record(one, one + usual), record(two, two + old, false)});
     const auto records = unarchivedRecords(archive);

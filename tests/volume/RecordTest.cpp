@@ -14,15 +14,6 @@ namespace fs = std::filesystem;
 class RecordTest : public ::testing::Test
 {
 protected:
-    // A folder of that name with these files in it.
-    QString makeFolder(const std::string &name, const std::vector<std::string> &files = {})
-    {
-        fs::create_directories(desk.home() + "/" + name);
-        for (const std::string &file : files)
-            writeFile(desk.home() + "/" + name + "/" + file, "configuration");
-        return desk.path(name);
-    }
-
     VolumePtr withPath(const QString &path = {}) const
     {
         return NBNimbrelVolume::withPath(services, path);
@@ -34,7 +25,7 @@ protected:
 
 TEST_F(RecordTest, NewRecordHasTheUsualSettings)
 {
-    const VolumePtr volume = withPath(makeFolder("Safe.nmc"));
+    const VolumePtr volume = withPath(desk.makeFolder("Safe.nmc"));
     EXPECT_EQ(volume->version(), 1);
     EXPECT_EQ(volume->label(), QStringLiteral("Nimbrel"));
     EXPECT_EQ(volume->path(), desk.path("Safe.nmc"));
@@ -52,7 +43,7 @@ TEST_F(RecordTest, NewRecordHasTheUsualSettings)
 
 TEST_F(RecordTest, NewRecordOfAFolderWithTheOldExtensionRenamesIt)
 {
-    makeFolder("Safe.nm", {".encfs6.xml"});
+    desk.makeFolder("Safe.nm", {".encfs6.xml"});
     const VolumePtr volume = withPath(desk.path("Safe.nm"));
     EXPECT_EQ(volume->path(), desk.path("Safe.nmc"));
     EXPECT_EQ(volume->configPath(), desk.path("Safe.nmc/.encfs6.xml"));
@@ -69,8 +60,8 @@ TEST_F(RecordTest, NewRecordOfTheOldExtensionWithNothingThereTakesTheNewOne)
 
 TEST_F(RecordTest, FolderThatCannotBeRenamedKeepsItsNameWithoutAWord)
 {
-    makeFolder("Safe.nm", {".encfs6.xml"});
-    makeFolder("Safe.nmc");
+    desk.makeFolder("Safe.nm", {".encfs6.xml"});
+    desk.makeFolder("Safe.nmc");
     const SystemLogLines log;
     const VolumePtr volume = withPath(desk.path("Safe.nm"));
     EXPECT_EQ(volume->path(), desk.path("Safe.nm"));
@@ -81,26 +72,26 @@ TEST_F(RecordTest, FolderThatCannotBeRenamedKeepsItsNameWithoutAWord)
 
 TEST_F(RecordTest, NewRecordOfAFolderWithOnlyTheOldConfigurationTakesThat)
 {
-    const VolumePtr volume = withPath(makeFolder("Safe.nmc", {"Keyfile.nmx"}));
+    const VolumePtr volume = withPath(desk.makeFolder("Safe.nmc", {"Keyfile.nmx"}));
     EXPECT_EQ(volume->configPath(), desk.path("Safe.nmc/Keyfile.nmx"));
 }
 
 TEST_F(RecordTest, OfTwoConfigurationsTheNewOneIsTaken)
 {
-    const VolumePtr volume = withPath(makeFolder("Safe.nmc", {"Keyfile.nmx", ".encfs6.xml"}));
+    const VolumePtr volume = withPath(desk.makeFolder("Safe.nmc", {"Keyfile.nmx", ".encfs6.xml"}));
     EXPECT_EQ(volume->configPath(), desk.path("Safe.nmc/.encfs6.xml"));
 }
 
 // Kept: what is to be written under the new name is set by those who make a folder.
 TEST_F(RecordTest, FolderWithoutAConfigurationExpectsTheOldOne)
 {
-    const VolumePtr volume = withPath(makeFolder("Safe.nmc"));
+    const VolumePtr volume = withPath(desk.makeFolder("Safe.nmc"));
     EXPECT_EQ(volume->configPath(), desk.path("Safe.nmc/Keyfile.nmx"));
 }
 
 TEST_F(RecordTest, FolderInTheConfigurationsPlaceIsNone)
 {
-    makeFolder("Safe.nmc/.encfs6.xml");
+    desk.makeFolder("Safe.nmc/.encfs6.xml");
     EXPECT_EQ(withPath(desk.path("Safe.nmc"))->configPath(), desk.path("Safe.nmc/Keyfile.nmx"));
 }
 
@@ -137,7 +128,7 @@ TEST_F(RecordTest, NamesAreEncodedWhenTheFilesystemIsToldSo)
 
 TEST_F(RecordTest, RecordOutOfTheArchiveHasNoFilesystemBeforeItsFirstMount)
 {
-    const VolumePtr volume = desk.fromArchive(withPath(makeFolder("Safe.nmc")));
+    const VolumePtr volume = desk.fromArchive(withPath(desk.makeFolder("Safe.nmc")));
     volume->setEncodeFilenames(true);
     volume->setKeySize(128);
     volume->setBlockSize(1024);

@@ -2,6 +2,7 @@
 
 #include "fs/MountTable.h"
 #include "platform/KeyedArchive.h"
+#include "support/Files.h"
 #include "volume/StoredPassphrase.h"
 #include "volume/TextConversion.h"
 
@@ -98,6 +99,15 @@ VolumeDesk::~VolumeDesk()
 QString VolumeDesk::path(const std::string &name) const
 {
     return qtText(_desktop.home() + "/" + name);
+}
+
+QString VolumeDesk::makeFolder(const std::string &name, const std::vector<std::string> &files)
+{
+    const std::string folder = home() + "/" + name;
+    std::filesystem::create_directories(folder);
+    for (const std::string &file : files)
+        writeFile(folder + "/" + file, "configuration");
+    return path(name);
 }
 
 VolumePtr VolumeDesk::makeVolume(const std::string &name, std::string_view password,

@@ -88,6 +88,8 @@ public:
     [[nodiscard]] QString path(const std::string &name) const; // below the home folder
     [[nodiscard]] PrivateDesktop &desktop() noexcept { return _desktop; }
 
+    // A folder below the home folder with these files in it, none of them a real one; its path.
+    QString makeFolder(const std::string &name, const std::vector<std::string> &files = {});
     // A record of a new encrypted folder that stands on disk.
     [[nodiscard]] VolumePtr makeVolume(const std::string &name, std::string_view password,
                                        bool encodeFilenames = true);
