@@ -3,7 +3,7 @@
 #include "app/TextFormat.h"
 #include "app/Util.h"
 #include "volume/TextConversion.h"
-#include "volume/VolumeTexts.h"
+#include "app/Texts.h"
 
 #include <QDeadlineTimer>
 #include <QHash>

@@ -12,7 +12,7 @@
 #include "volume/DiskFiles.h"
 #include "volume/NewFolder.h"
 #include "volume/TextConversion.h"
-#include "volume/VolumeTexts.h"
+#include "app/Texts.h"
 
 namespace nimbrel {
 

@@ -7,7 +7,7 @@
 #include "platform/Resources.h"
 #include "volume/MountPlace.h"
 #include "volume/TextConversion.h"
-#include "volume/VolumeTexts.h"
+#include "app/Texts.h"
 
 #include <filesystem>
 

@@ -15,7 +15,7 @@
 #include "volume/NBVolumesUserInterface.h"
 #include "volume/OpenedFolder.h"
 #include "volume/TextConversion.h"
-#include "volume/VolumeTexts.h"
+#include "app/Texts.h"
 
 namespace nimbrel {
 

@@ -12,7 +12,7 @@
 #include "volume/MountPointFolder.h"
 #include "volume/StoredPassphrase.h"
 #include "volume/TextConversion.h"
-#include "volume/VolumeTexts.h"
+#include "app/Texts.h"
 
 #include <cerrno>
 #include <system_error>

@@ -7,7 +7,7 @@
 #include "volume/OpenedFolder.h"
 #include "volume/StoredPassphrase.h"
 #include "volume/TextConversion.h"
-#include "volume/VolumeTexts.h"
+#include "app/Texts.h"
 
 #include <algorithm>
 

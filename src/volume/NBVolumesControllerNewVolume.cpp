@@ -6,7 +6,7 @@
 #include "platform/Workspace.h"
 #include "volume/NBVolumesUserInterface.h"
 #include "volume/TextConversion.h"
-#include "volume/VolumeTexts.h"
+#include "app/Texts.h"
 
 #include <QPointer>
 

@@ -8,7 +8,7 @@
 #include "platform/Preferences.h"
 #include "volume/StoredPassphrase.h"
 #include "volume/Volume.h"
-#include "volume/VolumeTexts.h"
+#include "app/Texts.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

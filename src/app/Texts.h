@@ -4,7 +4,7 @@
 
 namespace nimbrel {
 
-// Looks a text of this folder up in the application's string table; the English text is the key.
+// Looks a text up in the application's string table; the English text is the key.
 class texts final
 {
     Q_DECLARE_TR_FUNCTIONS(nimbrel)

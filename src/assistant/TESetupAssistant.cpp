@@ -1,0 +1,254 @@
+#include "assistant/TESetupAssistant.h"
+
+#include "app/Texts.h"
+#include "assistant/BundleAdditions.h"
+#include "assistant/SetupAssistantWindow.h"
+#include "assistant/TEInstallStepView.h"
+
+#include <QEventLoop>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QPushButton>
+#include <QScreen>
+
+namespace nimbrel {
+
+namespace {
+
+// No repainting while it lives.
+class HeldUpdates final
+{
+public:
+    explicit HeldUpdates(QWidget &window) : _window(window) { _window.setUpdatesEnabled(false); }
+    ~HeldUpdates() { _window.setUpdatesEnabled(true); }
+    HeldUpdates(const HeldUpdates &) = delete;
+    HeldUpdates &operator=(const HeldUpdates &) = delete;
+
+private:
+    QWidget &_window;
+};
+
+void centre(QWidget &window)
+{
+    if (const QScreen *screen = window.screen()) {
+        const QSize space = screen->availableSize() - window.frameSize();
+        window.move(screen->availableGeometry().topLeft() +
+                    QPoint(space.width() / 2, space.height() / 2));
+    }
+}
+
+} // namespace
+
+TESetupAssistant::TESetupAssistant()
+{
+    addSetupAssistantWindows();
+}
+
+std::unique_ptr<TESetupAssistant> TESetupAssistant::initMini()
+{
+    auto engine = std::make_unique<TESetupAssistant>();
+    engine->loadWindow(QStringLiteral("SetupAssistantMini"));
+    return engine;
+}
+
+TESetupAssistant &TESetupAssistant::assistant()
+{
+    static std::unique_ptr<TESetupAssistant> shared;
+    if (!shared) {
+        shared = std::make_unique<TESetupAssistant>();
+        qAddPostRoutine([] { shared.reset(); }); // no window outlives the application object
+    }
+    return *shared;
+}
+
+TESetupAssistant::~TESetupAssistant()
+{
+    if (_window) {
+        _window->disconnect(this);
+        _window->setPage(nullptr);
+    }
+}
+
+void TESetupAssistant::loadWindow(const QString &nib)
+{
+    _window.reset(static_cast<SetupAssistantWindow *>(bundle::loadNibNamedOrQuit(nib).release()));
+    connect(_window.get(), &SetupAssistantWindow::willClose, this,
+            &TESetupAssistant::windowWillClose);
+}
+
+bool TESetupAssistant::run()
+{
+    if (!_window)
+        loadWindow(nibName());
+    if (_assistants.isEmpty())
+        return false;
+    installStepView()->setSteps(stepsOfAllPages());
+    fitWindow();
+    _currentAssistant = 0;
+    runAssistant(_assistants.first(), false);
+    showWindow();
+    return true;
+}
+
+// As the last step of a run: blocks when modal.
+void TESetupAssistant::showWindow()
+{
+    _window->setWindowModality(_modal ? Qt::ApplicationModal : Qt::NonModal);
+    centre(*_window);
+    _window->show();
+    _window->raise();
+    _window->activateWindow();
+    if (!_modal)
+        return;
+    QEventLoop session;
+    _modalSession = &session;
+    session.exec();
+    _modalSession = nullptr;
+}
+
+void TESetupAssistant::fitWindow()
+{
+    QList<QWidget *> views;
+    for (const AssistantPtr &page : _assistants)
+        views += page->view();
+    _window->fitPages(views);
+}
+
+// What a page changed on the buttons is undone.
+void TESetupAssistant::resetButtons()
+{
+    prevButton()->setText(texts::tr("Go Back"));
+    nextButton()->setText(texts::tr("Next"));
+    for (QPushButton *button : {prevButton(), nextButton()})
+        disconnect(button, &QPushButton::clicked, nullptr, nullptr);
+    connect(prevButton(), &QPushButton::clicked, this, &TESetupAssistant::prevPressed);
+    connect(nextButton(), &QPushButton::clicked, this, &TESetupAssistant::nextPressed);
+    prevButton()->setEnabled(_currentAssistant != 0);
+    nextButton()->setEnabled(true);
+}
+
+void TESetupAssistant::runAssistant(const AssistantPtr &page, bool lastStep)
+{
+    const HeldUpdates held(*_window);
+    resetButtons();
+    _window->setPage(page->view());
+    if (const QStringList steps = page->orderedSteps(); !steps.isEmpty())
+        selectStep(steps.first());
+    if (lastStep)
+        page->restart();
+    else
+        page->start();
+}
+
+void TESetupAssistant::runNextAssistant()
+{
+    const AssistantPtr page = currAssistant();
+    if (!page)
+        return; // a click that came after the end
+    Q_EMIT TEAssistantDidFinishNotification(page.get());
+    ++_currentAssistant;
+    if (const AssistantPtr next = currAssistant()) {
+        runAssistant(next, false);
+        return;
+    }
+    reset();
+    _finished = true;
+    Q_EMIT TESetupAssistantFinishedNotification();
+}
+
+void TESetupAssistant::runPreviousAssistant()
+{
+    const bool isBack = _currentAssistant >= 1;
+    if (isBack)
+        --_currentAssistant;
+    if (const AssistantPtr page = currAssistant())
+        runAssistant(page, isBack);
+}
+
+void TESetupAssistant::nextPressed()
+{
+    if (const AssistantPtr page = currAssistant()) // held: the page may end the run
+        page->nextPressed();
+}
+
+void TESetupAssistant::prevPressed()
+{
+    if (const AssistantPtr page = currAssistant())
+        page->prevPressed();
+}
+
+void TESetupAssistant::reset()
+{
+    if (_window)
+        _window->close();
+    stopModal();
+    _assistants.clear();
+    _sessionDict.clear();
+    if (!_window)
+        return;
+    installStepView()->clearSteps();
+    _window->setPage(nullptr);
+}
+
+void TESetupAssistant::dismissAssistant()
+{
+    if (_assistants.isEmpty() && !(_window && _window->isVisible()))
+        return;
+    Q_EMIT TESetupAssistantWasDismissedNotification();
+    reset();
+}
+
+void TESetupAssistant::windowWillClose()
+{
+    stopModal();
+}
+
+void TESetupAssistant::stopModal()
+{
+    if (_modal && _modalSession != nullptr)
+        _modalSession->quit();
+}
+
+std::int32_t TESetupAssistant::selectStep(const QString &step)
+{
+    const std::int32_t result = installStepView()->selectStep(step);
+    stepTitle()->setText(step);
+    return result;
+}
+
+QWidget *TESetupAssistant::window() const
+{
+    return _window.get();
+}
+
+QPushButton *TESetupAssistant::nextButton() const
+{
+    return _window ? _window->nextButton : nullptr;
+}
+
+QPushButton *TESetupAssistant::prevButton() const
+{
+    return _window ? _window->prevButton : nullptr;
+}
+
+QWidget *TESetupAssistant::assistantBox() const
+{
+    return _window ? _window->assistantBox : nullptr;
+}
+
+QWidget *TESetupAssistant::specialView() const
+{
+    return _window ? _window->specialView : nullptr;
+}
+
+TEInstallStepView *TESetupAssistant::installStepView() const
+{
+    return _window ? _window->installStepView : nullptr;
+}
+
+QLabel *TESetupAssistant::stepTitle() const
+{
+    return _window ? _window->stepTitle : nullptr;
+}
+
+} // namespace nimbrel
