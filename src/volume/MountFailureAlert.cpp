@@ -1,9 +1,9 @@
 #include "volume/MountFailureAlert.h"
 
 #include "app/TextFormat.h"
+#include "app/Texts.h"
 #include "app/Util.h"
 #include "volume/TextConversion.h"
-#include "app/Texts.h"
 
 #include <QDeadlineTimer>
 #include <QHash>

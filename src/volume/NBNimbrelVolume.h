@@ -118,7 +118,8 @@ public:
     [[nodiscard]] QString keychainServiceName() const;
     void doStorePassphrase();
     void clearPassphrase();
-    // changePassphrase:newPassphrase:  Tells the user of a failure itself.
+    // changePassphrase:newPassphrase:  Tells the user of a failure itself. Runs the event loop while
+    // keys are derived, without the user's input.
     [[nodiscard]] bool changePassphrase(std::string_view passphrase,
                                         std::string_view newPassphrase);
     // Asks the user; true when one was given.
@@ -158,7 +159,7 @@ private:
     void mountFailed(const MountFailure &failure);
     void unmountRefused(int code, const QString &holders);
     void removeDesktopAlias();
-    [[nodiscard]] bool isConfigurationOurs() const;
+    [[nodiscard]] bool changeOnDisk(std::string_view newPassphrase);
     static void callOnce(VolumeHandler &handler, bool result);
 
     VolumeServices &_services;

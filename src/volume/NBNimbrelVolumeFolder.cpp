@@ -2,6 +2,7 @@
 #include "volume/NBNimbrelVolume.h"
 
 #include "app/SystemLog.h"
+#include "app/Texts.h"
 #include "app/Util.h"
 #include "config/ConfigurationBackup.h"
 #include "config/ConfigurationLookup.h"
@@ -12,7 +13,6 @@
 #include "volume/DiskFiles.h"
 #include "volume/NewFolder.h"
 #include "volume/TextConversion.h"
-#include "app/Texts.h"
 
 namespace nimbrel {
 

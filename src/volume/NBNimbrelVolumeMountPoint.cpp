@@ -1,13 +1,13 @@
 // Where a disk is shown, and with which options.
 #include "volume/NBNimbrelVolume.h"
 
+#include "app/Texts.h"
 #include "app/Util.h"
 #include "fs/MountTable.h"
 #include "platform/Preferences.h"
 #include "platform/Resources.h"
 #include "volume/MountPlace.h"
 #include "volume/TextConversion.h"
-#include "app/Texts.h"
 
 #include <filesystem>
 

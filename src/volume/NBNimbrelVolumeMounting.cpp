@@ -3,6 +3,7 @@
 
 #include "app/SystemLog.h"
 #include "app/TextFormat.h"
+#include "app/Texts.h"
 #include "app/Util.h"
 #include "config/ConfigurationLookup.h"
 #include "config/NBPreferencesError.h"
@@ -15,7 +16,6 @@
 #include "volume/NBVolumesUserInterface.h"
 #include "volume/OpenedFolder.h"
 #include "volume/TextConversion.h"
-#include "app/Texts.h"
 
 namespace nimbrel {
 

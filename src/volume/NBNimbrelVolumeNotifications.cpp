@@ -3,6 +3,7 @@
 
 #include "app/SystemLog.h"
 #include "app/TextFormat.h"
+#include "app/Texts.h"
 #include "app/Util.h"
 #include "fs/MountHolders.h"
 #include "fs/UserFileSystem.h"
@@ -12,7 +13,6 @@
 #include "volume/MountPointFolder.h"
 #include "volume/StoredPassphrase.h"
 #include "volume/TextConversion.h"
-#include "app/Texts.h"
 
 #include <cerrno>
 #include <system_error>

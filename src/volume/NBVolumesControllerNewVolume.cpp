@@ -1,12 +1,12 @@
 // The flow that makes a new encrypted folder.
 #include "volume/NBVolumesController.h"
 
+#include "app/Texts.h"
 #include "app/Util.h"
 #include "config/ConfigurationLookup.h"
 #include "platform/Workspace.h"
 #include "volume/NBVolumesUserInterface.h"
 #include "volume/TextConversion.h"
-#include "app/Texts.h"
 
 #include <QPointer>
 

@@ -3,12 +3,12 @@
 
 #include "app/SystemLog.h"
 #include "app/TextFormat.h"
+#include "app/Texts.h"
 #include "app/Util.h"
 #include "platform/KeyedArchive.h"
 #include "platform/Preferences.h"
 #include "volume/StoredPassphrase.h"
 #include "volume/Volume.h"
-#include "app/Texts.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

@@ -5,6 +5,8 @@
 #include "fs/NBNimbrelFS.h"
 #include "volume/VolumeFixture.h"
 
+#include <QTimer>
+
 #include <fstream>
 
 namespace nimbrel::test {
@@ -378,6 +380,27 @@ TEST_F(PassphraseWithoutKeyringTest, AChangeThatCannotBeWrittenTakesTheOldPasswo
     EXPECT_EQ(volume->passphrase(), rightPassword);
     volume->setConfigPath(usual);
     EXPECT_TRUE(volume->changePassphrase(rightPassword, newPassword));
+}
+
+TEST_F(PassphraseWithoutKeyringTest, TheEventLoopRunsWhileKeysAreDerived)
+{
+    const VolumePtr volume = mounted();
+    int turns = 0;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, &timer, [&] { ++turns; });
+    timer.start(0);
+    EXPECT_TRUE(volume->changePassphrase(rightPassword, newPassword));
+    EXPECT_GT(turns, 0);
+}
+
+TEST_F(PassphraseWithoutKeyringTest, AnUnmountDuringAChangeSpoilsNeither)
+{
+    const VolumePtr volume = mounted();
+    QTimer::singleShot(0, QCoreApplication::instance(), [&] { volume->unmount(); });
+    EXPECT_TRUE(volume->changePassphrase(rightPassword, newPassword));
+    ASSERT_TRUE(eventLoopUntil([&] { return !volume->isMounted(); }));
+    EXPECT_NE(opened(volume, newPassword), nullptr);
+    EXPECT_TRUE(desk.mount(volume));
 }
 
 TEST_F(PassphraseWithoutKeyringTest, AnEmptyNewPasswordChangesNothing)
