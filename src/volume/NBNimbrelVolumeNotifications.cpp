@@ -161,7 +161,8 @@ void NBNimbrelVolume::unmountRefused(int code, const QString &holders)
     // Ejected from outside in the same moment: its own notification is on the way, or has been.
     if (!_isBusy || (code == ENOTCONN && _isMounted))
         return;
-    _untilUnmounted.reset();
+    if (code == ENOTCONN)
+        _untilUnmounted.reset(); // else the disk lives on, and with it its record, listed or not
     _isBusy = false;
     const QString reason = qtText(std::generic_category().message(code));
     systemLog(QStringLiteral("%1: not unmounted: %2 %3").arg(_label, reason, holders));

@@ -1,6 +1,7 @@
 // The flow that makes a new encrypted folder.
 #include "config/NBNimbrelFSPreferences.h"
 #include "support/MountInfo.h"
+#include "support/Process.h"
 #include "volume/StoredList.h"
 
 #include <QSemaphore>
@@ -365,6 +366,25 @@ TEST_F(MountedNewVolumeTest, InSimpleModeADiskInUseKeepsTheNewOneOutAndBothAreSa
     EXPECT_TRUE(old->isMounted());
     EXPECT_EQ(readFile(file), "old words");
     EXPECT_TRUE(desk.unmount(old));
+}
+
+TEST_F(MountedNewVolumeTest, InSimpleModeADiskInUseStaysThoughNobodyElseHoldsItsRecord)
+{
+    desk.person.isAdvanced = false;
+    const std::string disk = coreText(make(wanted("Old.nmc"))->mountPoint());
+    settle();
+    std::fstream open(disk + "/open.txt", std::ios::out);
+    open << "before" << std::flush;
+    desk.person.wanted = wanted("New.nmc");
+    controller.newVolume();
+    EXPECT_TRUE(eventLoopUntil([&] { return desk.alerts.shown.size() == 2U; }));
+    settle();
+    open << " and after" << std::flush;
+    EXPECT_TRUE(open.good());
+    EXPECT_EQ(readFile(disk + "/open.txt"), "before and after");
+    open.close();
+    EXPECT_EQ(run({"fusermount3", "-u", disk}).status, 0);
+    EXPECT_TRUE(eventLoopUntil([&] { return desk.hasNoMounts(); }));
 }
 
 } // namespace
