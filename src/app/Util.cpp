@@ -90,6 +90,8 @@ QAbstractButton *addButtons(QMessageBox &box, const QStringList &titles)
                                                           : QMessageBox::RejectRole);
     if (buttons.isEmpty())
         buttons += box.addButton(QMessageBox::Ok);
+    for (QPushButton *button : std::as_const(buttons))
+        button->setIcon({}); // the words say it
     box.setDefaultButton(buttons.first());
     box.setEscapeButton(buttons.last());
     return buttons.first();

@@ -14,28 +14,58 @@ namespace {
 constexpr int patience = 500; // ms
 constexpr uint prefersDark = 1;
 
-QPalette darkPalette()
+struct Colors
 {
-    const QColor window(36, 36, 36);
-    const QColor base(30, 30, 30);
-    const QColor button(58, 58, 58);
-    const QColor text(238, 238, 238);
-    QPalette palette(button, window);
-    palette.setColor(QPalette::WindowText, text);
-    palette.setColor(QPalette::Text, text);
-    palette.setColor(QPalette::ButtonText, text);
-    palette.setColor(QPalette::BrightText, Qt::white);
-    palette.setColor(QPalette::Base, base);
-    palette.setColor(QPalette::AlternateBase, button);
-    palette.setColor(QPalette::ToolTipBase, button);
-    palette.setColor(QPalette::ToolTipText, text);
-    palette.setColor(QPalette::PlaceholderText, QColor(165, 165, 165));
-    palette.setColor(QPalette::Highlight, QColor(53, 132, 228));
+    QColor window;
+    QColor base; // fields and boxes: apart from the window without a frame
+    QColor side; // panels beside the content
+    QColor button;
+    QColor text;
+    QColor paleText;
+    QColor disabledText;
+    QColor line;
+    QColor accent;
+    QColor link;
+};
+
+const Colors lightColors{.window = QColor(250, 250, 250),
+                         .base = Qt::white,
+                         .side = QColor(241, 242, 244),
+                         .button = QColor(240, 240, 240),
+                         .text = QColor(32, 32, 32),
+                         .paleText = QColor(105, 105, 105),
+                         .disabledText = QColor(160, 160, 160),
+                         .line = QColor(214, 214, 214),
+                         .accent = QColor(53, 132, 228),
+                         .link = QColor(26, 95, 180)};
+
+const Colors darkColors{.window = QColor(36, 36, 36),
+                        .base = QColor(60, 60, 60),
+                        .side = QColor(46, 46, 46),
+                        .button = QColor(68, 68, 68),
+                        .text = QColor(238, 238, 238),
+                        .paleText = QColor(165, 165, 165),
+                        .disabledText = QColor(120, 120, 120),
+                        .line = QColor(72, 72, 72),
+                        .accent = QColor(53, 132, 228),
+                        .link = QColor(120, 174, 237)};
+
+QPalette paletteOf(const Colors &colors)
+{
+    QPalette palette(colors.button, colors.window); // derives what isn't set here
+    palette.setColor(QPalette::Base, colors.base);
+    palette.setColor(QPalette::AlternateBase, colors.side);
+    palette.setColor(QPalette::ToolTipBase, colors.button);
+    for (const auto role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
+        palette.setColor(role, colors.text);
+        palette.setColor(QPalette::Disabled, role, colors.disabledText);
+    }
+    palette.setColor(QPalette::PlaceholderText, colors.paleText);
+    palette.setColor(QPalette::Midlight, colors.line);
+    palette.setColor(QPalette::Highlight, colors.accent);
     palette.setColor(QPalette::HighlightedText, Qt::white);
-    palette.setColor(QPalette::Link, QColor(120, 174, 237));
-    palette.setColor(QPalette::Midlight, QColor(72, 72, 72));
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-        palette.setColor(QPalette::Disabled, role, QColor(120, 120, 120));
+    palette.setColor(QPalette::Link, colors.link);
     return palette;
 }
 
@@ -61,8 +91,7 @@ void apply(ColorScheme scheme)
 {
     if (QApplication::style()->name().compare(QLatin1String("fusion"), Qt::CaseInsensitive) != 0)
         return;
-    QApplication::setPalette(
-        scheme == ColorScheme::Dark ? darkPalette() : QApplication::style()->standardPalette());
+    QApplication::setPalette(paletteOf(scheme == ColorScheme::Dark ? darkColors : lightColors));
 }
 
 bool isDark(const QPalette &palette)

@@ -17,8 +17,8 @@ enum class ColorScheme
 // "color-scheme"; light where nobody says. Asks the session bus, at most half a second.
 [[nodiscard]] ColorScheme preferredColorScheme();
 
-// Colours for Qt's own style, which knows no dark by itself. Does nothing where the desktop's
-// platform theme brings colours of its own.
+// Colours for Qt's own style, which brings those of another time and no dark ones. Does nothing
+// where the desktop's platform theme brings its style.
 void apply(ColorScheme scheme);
 
 // Whether this palette's windows are dark.

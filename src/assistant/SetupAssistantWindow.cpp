@@ -94,7 +94,7 @@ SetupAssistantWindow::SetupAssistantWindow(Size size)
 void SetupAssistantWindow::addSide(QHBoxLayout &columns)
 {
     auto *side = new TESetupAssistantBGView(this);
-    side->setBackgroundRole(QPalette::Base);
+    side->setBackgroundRole(QPalette::AlternateBase);
     side->setAutoFillBackground(true);
     auto *column = new QVBoxLayout(side);
     column->setContentsMargins(margin, 0, margin, margin);

@@ -31,13 +31,12 @@ void TEInstallStepCell::setStringAttributes(const StepTextAttributes &attributes
     calculateSizes();
 }
 
-// The picture is as high as the text's letters reach.
+// The picture is as high as the text, so that it grows with the user's font.
 void TEInstallStepCell::calculateSizes()
 {
     const QFontMetricsF metrics(_attributes.font);
     _textSize = QSizeF(metrics.horizontalAdvance(_text), metrics.height());
-    const double side = std::max(metrics.ascent(), 1.0);
-    _imageSize = _image.isNull() ? QSizeF(0, 0) : QSizeF(side, side);
+    _imageSize = _image.isNull() ? QSizeF(0, 0) : QSizeF(metrics.height(), metrics.height());
     _cellSize = QSizeF(_imageSize.width() + gap + _textSize.width(),
                        std::max(_imageSize.height(), _textSize.height()));
 }

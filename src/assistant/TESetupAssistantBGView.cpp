@@ -2,7 +2,9 @@
 
 #include "assistant/Icons.h"
 
+#include <QLinearGradient>
 #include <QPainter>
+#include <QPixmap>
 
 namespace nimbrel {
 
@@ -10,7 +12,20 @@ namespace {
 
 constexpr double iconSide = 512;
 constexpr double iconX = -50;
-constexpr double iconBase = 412; // its lower edge, below the view's top
+constexpr double iconBase = 412;  // its lower edge, below the view's top
+constexpr double fadedPart = 0.4; // of its height: in a higher window it ends softly
+
+QPixmap faded(QPixmap image)
+{
+    QPainter painter(&image);
+    painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+    const QRectF all(QPointF(), image.deviceIndependentSize());
+    QLinearGradient fading(0, all.height() * (1 - fadedPart), 0, all.height());
+    fading.setColorAt(0, Qt::black);
+    fading.setColorAt(1, Qt::transparent);
+    painter.fillRect(all, fading);
+    return image;
+}
 
 } // namespace
 
@@ -45,7 +60,7 @@ void TESetupAssistantBGView::paintEvent(QPaintEvent *)
     const QRectF place(QPointF(_imageFrame.x(), iconBase - _imageFrame.height()),
                        _imageFrame.size());
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    const QPixmap pixels = _image.pixmap(place.size().toSize(), devicePixelRatio());
+    const QPixmap pixels = faded(_image.pixmap(place.size().toSize(), devicePixelRatio()));
     painter.drawPixmap(place, pixels, QRectF(pixels.rect()));
 }
 

@@ -43,10 +43,10 @@ TEST_F(BackgroundTest, PaintsTheIconFaintly)
 
 TEST_F(BackgroundTest, TheIconStaysAnchoredToTheTopWhenTheViewGrows)
 {
-    EXPECT_NE(at(view, 100, 411), QColor(Qt::white));
+    EXPECT_NE(at(view, 100, 390), QColor(Qt::white));
     EXPECT_EQ(at(view, 100, 413), QColor(Qt::white));
     view.resize(600, 900);
-    EXPECT_NE(at(view, 100, 411), QColor(Qt::white));
+    EXPECT_NE(at(view, 100, 390), QColor(Qt::white));
     EXPECT_EQ(at(view, 100, 413), QColor(Qt::white));
 }
 
@@ -59,6 +59,12 @@ TEST_F(BackgroundTest, TheFrameDecidesOverPlaceAndSize)
     EXPECT_EQ(at(view, 99, 100), QColor(Qt::white));
     EXPECT_NE(at(view, 101, 100), QColor(Qt::white));
     EXPECT_EQ(at(view, 301, 100), QColor(Qt::white));
+}
+
+TEST_F(BackgroundTest, TheIconEndsSoftly)
+{
+    EXPECT_LT(at(view, 100, 200).red(), at(view, 100, 330).red());
+    EXPECT_LT(at(view, 100, 330).red(), at(view, 100, 400).red());
 }
 
 TEST_F(BackgroundTest, OpacityCanBeSet)
