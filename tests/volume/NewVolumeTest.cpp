@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <limits>
 
 namespace nimbrel::test {
 namespace {
@@ -67,6 +68,20 @@ TEST_F(NewVolumeTest, PersonWhoCancelsChangesNothing)
     EXPECT_TRUE(desk.alerts.shown.empty());
     EXPECT_TRUE(desk.person.shownAsNew.isEmpty());
     EXPECT_FALSE(fs::exists(preferencesPath(desk)));
+}
+
+// Whatever a person may type: what nothing could open again is never made.
+TEST_F(NewVolumeTest, BlockSizesThatNoFolderCanHaveAreRefusedAndLeaveNothing)
+{
+    for (const qint64 blockSize : {0, -5, -16, std::numeric_limits<qint32>::max() - 15}) {
+        desk.alerts.shown.clear();
+        desk.person.wanted = wanted("Odd.nmc");
+        desk.person.wanted->blockSize = blockSize;
+        controller.newVolume();
+        EXPECT_EQ(alertTexts().last(), notMade.last()) << blockSize;
+        EXPECT_FALSE(fs::exists(desk.home() + "/Odd.nmc")) << blockSize;
+        EXPECT_TRUE(controller.volumes().isEmpty());
+    }
 }
 
 TEST_F(NewVolumeTest, FolderThatCannotBeMadeIsSaidAndJoinsNoList)
