@@ -40,9 +40,9 @@ const Colors lightColors{.window = QColor(250, 250, 250),
                          .link = QColor(26, 95, 180)};
 
 const Colors darkColors{.window = QColor(36, 36, 36),
-                        .base = QColor(60, 60, 60),
+                        .base = QColor(68, 68, 68),
                         .side = QColor(46, 46, 46),
-                        .button = QColor(68, 68, 68),
+                        .button = QColor(74, 74, 74),
                         .text = QColor(238, 238, 238),
                         .paleText = QColor(165, 165, 165),
                         .disabledText = QColor(120, 120, 120),
