@@ -10,8 +10,10 @@
 #include <QMessageBox>
 #include <QPalette>
 #include <QPushButton>
+#include <QStyle>
 #include <QThread>
 #include <QToolBar>
+#include <QWindow>
 
 #include <algorithm>
 #include <atomic>
@@ -106,11 +108,29 @@ void addHelp(QMessageBox &box, const std::function<void()> &showHelp)
     QObject::connect(help, &QPushButton::clicked, &box, [&showHelp] { showHelp(); });
 }
 
+// The application's own icon, or a sign of warning.
+void setSign(QMessageBox &box, const Alert &alert)
+{
+    const QIcon icon = QApplication::windowIcon();
+    box.setIcon(alert.isCaution ? QMessageBox::Warning : QMessageBox::Information);
+    if (!alert.isCaution && !icon.isNull())
+        box.setIconPixmap(icon.pixmap(box.style()->pixelMetric(QStyle::PM_MessageBoxIconSize)));
+}
+
+// Above the window that the user works in; that one may go before the alert does.
+void putAbove(QMessageBox &box, const QWidget *window)
+{
+    if (window == nullptr || box.winId() == 0)
+        return;
+    box.windowHandle()->setTransientParent(window->windowHandle());
+}
+
 int showMessageBox(const Alert &alert)
 {
     QMessageBox box;
+    putAbove(box, QApplication::activeWindow());
     box.setWindowTitle(alert.windowTitle);
-    box.setIcon(alert.isCaution ? QMessageBox::Warning : QMessageBox::Information);
+    setSign(box, alert);
     setTexts(box, alert);
     const QAbstractButton *defaultButton = addButtons(box, alert.buttons);
     addHelp(box, alert.showHelp);

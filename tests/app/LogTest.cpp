@@ -1,6 +1,6 @@
 #include "app/Log.h"
 
-#include "Messages.h"
+#include "support/Messages.h"
 #include "app/Util.h"
 #include "fs/FuseCheck.h"
 #include "support/Files.h"

@@ -1,6 +1,6 @@
 #include "app/SystemLog.h"
 
-#include "Messages.h"
+#include "support/Messages.h"
 #include "support/Files.h"
 #include "support/TempFolder.h"
 

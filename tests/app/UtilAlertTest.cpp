@@ -1,6 +1,6 @@
 #include "app/Util.h"
 
-#include "Messages.h"
+#include "support/Messages.h"
 #include "support/FakeAlerts.h"
 
 #include <gtest/gtest.h>

@@ -11,6 +11,7 @@
 #include "app/Translation.h"
 #include "app/Util.h"
 #include "assistant/Appearance.h"
+#include "assistant/Icons.h"
 #include "assistant/TESetupAssistant.h"
 #include "assistants/NBAdvancedAssistant.h"
 #include "assistants/NBAssistantsUserInterface.h"
@@ -238,6 +239,7 @@ int runSession(QApplication &application, MountKeeper &keeper)
     appearance::apply(parser.isSet(dark) ? appearance::ColorScheme::Dark
                                          : appearance::ColorScheme::Light);
     QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setWindowIcon(icons::named(QStringLiteral("NSApplicationIcon")));
     Observer observer;
     application.installEventFilter(&observer);
     Session session(parser.isSet(advanced), keeper);
