@@ -9,26 +9,29 @@
 
 #include <QCheckBox>
 #include <QPointer>
+#include <QProgressBar>
 #include <QPushButton>
 
 namespace nimbrel {
 
 namespace {
 
-// A window that answers to nobody while it lives: a key is derived.
+// A window that answers to nobody while it lives, and says so: keys are derived.
 class BusyWindow final
 {
 public:
-    explicit BusyWindow(QWidget &window) : _window(&window), _focus(window.focusWidget())
+    BusyWindow(QWidget &window, QWidget &indicator)
+        : _window(&window), _indicator(&indicator), _focus(window.focusWidget())
     {
         window.setCursor(Qt::BusyCursor);
         window.setEnabled(false);
-        window.repaint(); // now: the event loop may stand still
+        indicator.show();
     }
     ~BusyWindow()
     {
         if (!_window)
             return;
+        _indicator->hide();
         _window->setEnabled(true);
         _window->unsetCursor();
         if (_focus)
@@ -39,6 +42,7 @@ public:
 
 private:
     QPointer<QWidget> _window;
+    QWidget *_indicator;
     QPointer<QWidget> _focus;
 };
 
@@ -100,7 +104,7 @@ bool NBChangePassphraseAssistant::changePassphrase()
 {
     const SecureBuffer old = controls().oldPassphraseTextField->passphrase();
     const SecureBuffer wanted = controls().passphraseTextField->passphrase();
-    const BusyWindow busy(*controller()->window());
+    const BusyWindow busy(*controller()->window(), *controls().busyIndicator);
     return _volume->changePassphrase(old.text(), wanted.text());
 }
 

@@ -188,6 +188,23 @@ TEST_F(NBChangePassphraseAssistantTest, TheWindowAnswersToNobodyWhileTheKeyIsDer
     EXPECT_EQ(enabled, std::vector<bool>{false});
 }
 
+TEST_F(NBChangePassphraseAssistantTest, TheWindowIsAliveAndSaysThatItIsBusyMeanwhile)
+{
+    int turns = 0;
+    QTimer watching;
+    QObject::connect(&watching, &QTimer::timeout, &watching, [&] {
+        const QWidget *window = QApplication::activeModalWidget();
+        if (window == nullptr || window->isEnabled())
+            return;
+        ++turns;
+        EXPECT_TRUE(window->findChild<QWidget *>(QStringLiteral("busyIndicator"))->isVisible());
+    });
+    watching.start(0);
+    change({fill(oldPassword, newPassword, newPassword), next});
+    EXPECT_GT(turns, 0);
+    EXPECT_TRUE(opens(newPassword));
+}
+
 class ChangeStoredPassphraseTest : public NBChangePassphraseAssistantTest
 {
 protected:

@@ -9,6 +9,7 @@
 #include <QCheckBox>
 #include <QFormLayout>
 #include <QLabel>
+#include <QProgressBar>
 #include <QVBoxLayout>
 
 namespace nimbrel {
@@ -19,14 +20,23 @@ ChangePassphraseAssistantView::ChangePassphraseAssistantView(QWidget *parent)
       passphraseTextField(form::named("passphraseTextField", new PasswordField(this))),
       confirmTextField(form::named("confirmTextField", new PasswordField(this))),
       rememberButton(form::named("rememberButton",
-                                 new QCheckBox(texts::tr("&Remember the new password"), this)))
+                                 new QCheckBox(texts::tr("&Remember the new password"), this))),
+      busyIndicator(form::named("busyIndicator", new QProgressBar(this)))
 {
+    busyIndicator->setRange(0, 0); // nobody knows how long
+    busyIndicator->setTextVisible(false);
+    busyIndicator->setAccessibleName(texts::tr("The password is being changed"));
+    QSizePolicy policy = busyIndicator->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    busyIndicator->setSizePolicy(policy);
+    busyIndicator->hide();
     QVBoxLayout *column = form::makeColumn(*this);
     column->addWidget(form::makeText(
         texts::tr("This changes the password of the folder. The files in it stay as they are."),
         this));
     column->addLayout(makeFields());
     column->addStretch(1);
+    column->addWidget(busyIndicator);
     setFocusProxy(oldPassphraseTextField);
 }
 

@@ -4,6 +4,7 @@
 
 class QCheckBox;
 class QFormLayout;
+class QProgressBar;
 
 namespace nimbrel {
 
@@ -22,6 +23,7 @@ public:
     PasswordField *passphraseTextField;
     PasswordField *confirmTextField;
     QCheckBox *rememberButton;
+    QProgressBar *busyIndicator; // while the change goes on; keeps its room when hidden
 
 private:
     [[nodiscard]] QFormLayout *makeFields();
