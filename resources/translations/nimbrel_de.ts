@@ -631,7 +631,7 @@ WARNUNG: Die Datei .encfs6.xml in diesem Ordner ist eine Konfigurationsdatei, di
     </message>
     <message>
         <source>The password is being changed</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Passwort wird geändert</translation>
     </message>
 </context>
 </TS>

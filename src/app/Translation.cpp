@@ -1,7 +1,9 @@
 #include "app/Translation.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QLibraryInfo>
+#include <QLocale>
 #include <QPointer>
 #include <QTranslator>
 
@@ -15,8 +17,8 @@ namespace nimbrel::translation {
 
 namespace {
 
-void install(QPointer<QTranslator> &current, const QLocale &locale, const QString &name,
-             const QString &folder)
+void load(QPointer<QTranslator> &current, const QLocale &locale, const QString &name,
+          const QString &folder)
 {
     delete current;
     current = new QTranslator(QCoreApplication::instance());
@@ -24,16 +26,30 @@ void install(QPointer<QTranslator> &current, const QLocale &locale, const QStrin
         QCoreApplication::installTranslator(current);
 }
 
+// One for all texts: never two in one window.
+QLocale spoken(const QStringList &languages)
+{
+    for (const QString &name : languages) {
+        const QLocale each(name);
+        const QString code = each.name().section(u'_', 0, 0);
+        if (each.language() == QLocale::English ||
+            QFile::exists(QStringLiteral(":/translations/nimbrel_%1.qm").arg(code)))
+            return each;
+    }
+    return QLocale(QLocale::English);
+}
+
 } // namespace
 
-void install(const QLocale &locale)
+void install(const QStringList &languages)
 {
     static QPointer<QTranslator> qtTexts;
     static QPointer<QTranslator> ourTexts;
     loadTranslationResources();
-    install(qtTexts, locale, QStringLiteral("qtbase"),
-            QLibraryInfo::path(QLibraryInfo::TranslationsPath));
-    install(ourTexts, locale, QStringLiteral("nimbrel"), QStringLiteral(":/translations"));
+    const QLocale language = spoken(languages);
+    load(qtTexts, language, QStringLiteral("qtbase"),
+         QLibraryInfo::path(QLibraryInfo::TranslationsPath));
+    load(ourTexts, language, QStringLiteral("nimbrel"), QStringLiteral(":/translations"));
 }
 
 } // namespace nimbrel::translation

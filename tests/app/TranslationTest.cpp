@@ -78,12 +78,9 @@ std::unique_ptr<QCoreApplication> madeApplication()
 class TranslationTest : public testing::Test
 {
 protected:
-    ~TranslationTest() override { translation::install(QLocale(QStringLiteral("en"))); }
+    ~TranslationTest() override { translation::install({QStringLiteral("en")}); }
 
-    static void use(const char *locale)
-    {
-        translation::install(QLocale(QString::fromLatin1(locale)));
-    }
+    static void use(const char *locale) { translation::install({QString::fromLatin1(locale)}); }
 
 private:
     std::unique_ptr<QCoreApplication> _application = madeApplication();
@@ -174,6 +171,22 @@ TEST_F(TranslationTest, TheInformationForStrangersKeepsItsLineEnds)
     EXPECT_EQ(german.count(u'\r'), german.count(u"\r\n"_qs));
     EXPECT_EQ(german.count(u'\n'), german.count(u"\r\n"_qs));
     EXPECT_TRUE(german.endsWith(u"!\r\n"_qs));
+}
+
+// In the order of the user's liking.
+TEST_F(TranslationTest, TheFirstLanguageThatIsThereServesAllTexts)
+{
+    const std::vector<std::pair<const char *, const char *>> expected{
+        {"en-US en de-DE de", "Next"},
+        {"de-AT de en", "Weiter"},
+        {"fr-FR fr de-DE de", "Weiter"},
+        {"fr-FR fr", "Next"},
+        {"", "Next"}};
+    for (const auto &[languages, text] : expected) {
+        translation::install(QString::fromLatin1(languages).split(u' '));
+        EXPECT_EQ(next(), text) << languages;
+        EXPECT_EQ(qtCancel() == "Abbrechen", next() == "Weiter") << languages;
+    }
 }
 
 } // namespace

@@ -235,7 +235,7 @@ int runSession(QApplication &application, MountKeeper &keeper)
                                       QStringLiteral("en"));
     parser.addOptions({advanced, dark, language});
     parser.process(application);
-    translation::install(QLocale(parser.value(language)));
+    translation::install({parser.value(language)});
     appearance::apply(parser.isSet(dark) ? appearance::ColorScheme::Dark
                                          : appearance::ColorScheme::Light);
     QApplication::setQuitOnLastWindowClosed(false);

@@ -100,7 +100,8 @@ class RunScriptTest(ScriptTest):
         self.assertEqual(
             self.called(),
             ["install-packages build running",
-             "cmake --preset release -B build/run -DNIMBREL_TESTS=OFF -DNIMBREL_BENCH=OFF",
+             "cmake --preset release -B build/run -DNIMBREL_TESTS=OFF -DNIMBREL_BENCH=OFF "
+             "-DNIMBREL_MANUALS=OFF",
              "cmake --build build/run --target nimbrelctl", "nimbrelctl info"])
 
     def test_arguments_reach_the_program_in_the_callers_folder(self):
