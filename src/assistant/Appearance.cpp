@@ -44,7 +44,7 @@ const Colors darkColors{.window = QColor(36, 36, 36),
                         .side = QColor(46, 46, 46),
                         .button = QColor(74, 74, 74),
                         .text = QColor(238, 238, 238),
-                        .paleText = QColor(165, 165, 165),
+                        .paleText = QColor(176, 176, 176),
                         .disabledText = QColor(150, 150, 150),
                         .line = QColor(72, 72, 72),
                         .accent = QColor(53, 132, 228),
@@ -71,7 +71,7 @@ QPalette paletteOf(const Colors &colors)
 
 } // namespace
 
-ColorScheme preferredColorScheme()
+ColorScheme preferredColorScheme(const QDBusConnection &bus)
 {
     QDBusMessage question = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.portal.Desktop"),
@@ -79,8 +79,7 @@ ColorScheme preferredColorScheme()
         QStringLiteral("org.freedesktop.portal.Settings"), QStringLiteral("Read"));
     question.setArguments(
         {QStringLiteral("org.freedesktop.appearance"), QStringLiteral("color-scheme")});
-    const QDBusMessage answer =
-        QDBusConnection::sessionBus().call(question, QDBus::Block, patience);
+    const QDBusMessage answer = bus.call(question, QDBus::Block, patience);
     QVariant value = answer.arguments().value(0);
     while (value.canConvert<QDBusVariant>()) // the portal wraps it twice
         value = value.value<QDBusVariant>().variant();

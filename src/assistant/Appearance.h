@@ -3,7 +3,7 @@
 
 #include <QPalette>
 
-class QApplication;
+class QDBusConnection;
 
 namespace nimbrel::appearance {
 
@@ -14,8 +14,9 @@ enum class ColorScheme
 };
 
 // What the desktop prefers, from the portal's setting "org.freedesktop.appearance"
-// "color-scheme"; light where nobody says. Asks the session bus, at most half a second.
-[[nodiscard]] ColorScheme preferredColorScheme();
+// "color-scheme"; light where nobody says. Asks on this bus, which is the session's outside tests,
+// for at most half a second.
+[[nodiscard]] ColorScheme preferredColorScheme(const QDBusConnection &bus);
 
 // Colours for Qt's own style, which brings those of another time and no dark ones. Does nothing
 // where the desktop's platform theme brings its style.

@@ -115,7 +115,7 @@ void TESetupAssistant::fitWindow()
 }
 
 // What a page changed on the buttons is undone.
-void TESetupAssistant::resetButtons()
+void TESetupAssistant::resetButtons() const
 {
     prevButton()->setText(texts::tr("Go Back"));
     nextButton()->setText(texts::tr("Next"));
@@ -165,13 +165,13 @@ void TESetupAssistant::runPreviousAssistant()
         runAssistant(page, isBack);
 }
 
-void TESetupAssistant::nextPressed()
+void TESetupAssistant::nextPressed() const
 {
     if (const AssistantPtr page = currAssistant()) // held: the page may end the run
         page->nextPressed();
 }
 
-void TESetupAssistant::prevPressed()
+void TESetupAssistant::prevPressed() const
 {
     if (const AssistantPtr page = currAssistant())
         page->prevPressed();
@@ -209,7 +209,7 @@ void TESetupAssistant::stopModal()
         _modalSession->quit();
 }
 
-std::int32_t TESetupAssistant::selectStep(const QString &step)
+std::int32_t TESetupAssistant::selectStep(const QString &step) const
 {
     const std::int32_t result = installStepView()->selectStep(step);
     stepTitle()->setText(step);

@@ -57,12 +57,12 @@ public:
     // runAssistant:lastStep:
     void runAssistant(const AssistantPtr &page, bool lastStep);
     // nextPressed:, prevPressed:  The buttons' actions, for the current page.
-    void nextPressed();
-    void prevPressed();
+    void nextPressed() const;
+    void prevPressed() const;
     // windowWillClose:
     void windowWillClose();
     // selectStep:  0, or -192 for a step that isn't in the list.
-    std::int32_t selectStep(const QString &step);
+    std::int32_t selectStep(const QString &step) const;
 
     // getAssistantOfClass:, containsAssistantOfClass:  Of exactly that class; null when none is.
     template <class Page>
@@ -119,7 +119,7 @@ private:
     [[nodiscard]] AssistantPtr assistantAt(std::int32_t index) const;
     [[nodiscard]] QStringList stepsOfAllPages() const;
     void fitWindow();
-    void resetButtons();
+    void resetButtons() const;
     void showWindow();
     void stopModal();
 

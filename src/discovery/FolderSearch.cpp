@@ -51,18 +51,6 @@ std::string canonical(const std::string &path)
     return resolved == nullptr ? path : std::string(resolved.get());
 }
 
-// Null for what can't be read. A path that is too long for the kernel can't.
-DirectoryHandle openFolder(const std::string &path, int flags)
-{
-    const int descriptor = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | flags);
-    if (descriptor < 0)
-        return nullptr;
-    DirectoryHandle directory(::fdopendir(descriptor));
-    if (directory == nullptr)
-        ::close(descriptor);
-    return directory;
-}
-
 bool isForeign(const Mount &mount)
 {
     return isFuse(mount) && !mount.type.starts_with("fuseblk"); // that one is an ordinary disk
@@ -112,9 +100,10 @@ void FolderSearch::passOverForeignDisks(const std::vector<Mount> &mounts)
 std::vector<FolderSearch::Entry> FolderSearch::list(const std::string &folder, int flags)
 {
     std::vector<Entry> entries;
-    const DirectoryHandle directory = openFolder(folder.empty() ? "/" : folder, flags);
+    const DirectoryHandle directory =
+        openDirectoryAt(AT_FDCWD, folder.empty() ? "/" : folder.c_str(), flags);
     if (directory == nullptr)
-        return entries;
+        return entries; // it can't be read, or its path is too long for the kernel
     const int descriptor = ::dirfd(directory.get());
     while (const dirent *entry = _stop.stop_requested() ? nullptr : ::readdir(directory.get())) {
         ++_visited;

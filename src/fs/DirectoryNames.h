@@ -17,10 +17,11 @@ using DirectoryHandle = CHandle<DIR, closedir>;
     return name == "." || name == "..";
 }
 
-// opendir(3) below the folder `folder`; null, with errno set, on failure.
-[[nodiscard]] inline DirectoryHandle openDirectoryAt(int folder, const char *path)
+// opendir(3) below the folder `folder`, with further flags of open(2); null, with errno set, on
+// failure.
+[[nodiscard]] inline DirectoryHandle openDirectoryAt(int folder, const char *path, int flags = 0)
 {
-    const int descriptor = ::openat(folder, path, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const int descriptor = ::openat(folder, path, O_RDONLY | O_DIRECTORY | O_CLOEXEC | flags);
     if (descriptor < 0)
         return nullptr;
     DirectoryHandle directory(::fdopendir(descriptor));
