@@ -98,7 +98,8 @@ class FirstStartTest(AssistantTest):
         desk.expect("window", "Nimbrel")
         self.assertEqual(mount, desk.home / "Volumes/Nimbrel")
         self.assertIn(str(mount), desk.mounts())
-        self.assertTrue((mount / "Getting Started.pdf").read_bytes().startswith(b"%PDF"))
+        for manual in ("Getting Started.pdf", "Nimbrel for Mac Manual.pdf"):
+            self.assertTrue((mount / manual).read_bytes().startswith(b"%PDF"), manual)
         facts = json.loads(nimbrelctl("info", "--json", folder))
         self.assertEqual((facts["keySize"], facts["blockSize"]), (256, 4096))
         self.assert_works_as_a_disk(mount, folder)
