@@ -3,8 +3,6 @@
 #include <QHash>
 #include <QWidget>
 
-#include <utility>
-
 namespace nimbrel::nibs {
 
 namespace {
@@ -17,9 +15,9 @@ QHash<QString, Nib> &definitions()
 
 } // namespace
 
-void add(const QString &name, Nib nib)
+void add(const QString &name, const Nib &nib)
 {
-    definitions().insert(name, std::move(nib));
+    definitions().insert(name, nib);
 }
 
 std::unique_ptr<QWidget> load(const QString &name)

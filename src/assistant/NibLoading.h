@@ -17,7 +17,7 @@ using Nib = std::function<std::unique_ptr<QWidget>()>;
 namespace nibs {
 
 // The last definition of a name counts.
-void add(const QString &name, Nib nib);
+void add(const QString &name, const Nib &nib);
 // loadNibNamed:owner:  Null when there is no such resource.
 [[nodiscard]] std::unique_ptr<QWidget> load(const QString &name);
 

@@ -28,7 +28,7 @@ QColor shadowOn(const QPalette &palette)
 
 StepTextAttributes attributes(const QWidget &view, bool isReached)
 {
-    const QPalette palette = view.palette();
+    const QPalette &palette = view.palette();
     QFont font = view.font();
     font.setBold(isReached);
     QColor color = palette.color(QPalette::WindowText);

@@ -30,8 +30,7 @@ int textIndent(const QCheckBox &button)
 AdvancedAssistantView::AdvancedAssistantView(QWidget *parent)
     : QWidget(parent), labelTextField(form::named("labelTextField", new QLineEdit(this))),
       algorithmButton(form::named("algorithmButton", new QComboBox(this))),
-      blockSizeTextField(form::named("blockSizeTextField", new QLineEdit(this))),
-      containerView(nullptr)
+      blockSizeTextField(form::named("blockSizeTextField", new QLineEdit(this)))
 {
     algorithmLabelTextField =
         form::named("algorithmLabelTextField",

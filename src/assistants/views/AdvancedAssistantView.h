@@ -31,7 +31,7 @@ public:
     QLineEdit *blockSizeTextField;
     QLabel *blockSizeBytesLabelTextField;
     QCheckBox *filenameEncryptionButton;
-    QWidget *containerView; // holds the controls below
+    QWidget *containerView = nullptr; // holds the controls below
     QCheckBox *automountButton;
     QCheckBox *checkKeyButton;
     QCheckBox *spotlightButton;

@@ -26,9 +26,7 @@ ChangePassphraseAssistantView::ChangePassphraseAssistantView(QWidget *parent)
     busyIndicator->setRange(0, 0); // nobody knows how long
     busyIndicator->setTextVisible(false);
     busyIndicator->setAccessibleName(texts::tr("The password is being changed"));
-    QSizePolicy policy = busyIndicator->sizePolicy();
-    policy.setRetainSizeWhenHidden(true);
-    busyIndicator->setSizePolicy(policy);
+    form::keepRoomWhenHidden(*busyIndicator);
     busyIndicator->hide();
     QVBoxLayout *column = form::makeColumn(*this);
     column->addWidget(form::makeText(

@@ -72,7 +72,7 @@ QVBoxLayout *PasswordAssistantView::makeStrength()
     return form::makeExplained(level, guessTimeLabel);
 }
 
-void PasswordAssistantView::showGuessTime(const QString &passphrase)
+void PasswordAssistantView::showGuessTime(const QString &passphrase) const
 {
     const QString time = guessTime(passphrase);
     guessTimeLabel->setText(time.isEmpty() ? QString()

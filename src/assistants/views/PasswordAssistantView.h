@@ -29,7 +29,7 @@ public:
 private:
     [[nodiscard]] QFormLayout *makeFields();
     [[nodiscard]] QVBoxLayout *makeStrength();
-    void showGuessTime(const QString &passphrase);
+    void showGuessTime(const QString &passphrase) const;
 };
 
 } // namespace nimbrel

@@ -44,7 +44,7 @@ WelcomeAssistantView::WelcomeAssistantView(QWidget *parent)
     setFocusProxy(welcomeMatrix);
 }
 
-QVBoxLayout *WelcomeAssistantView::makeFolderControls()
+QVBoxLayout *WelcomeAssistantView::makeFolderControls() const
 {
     auto *folder = new QHBoxLayout;
     folder->addWidget(pathControl, 1);
@@ -58,20 +58,16 @@ QVBoxLayout *WelcomeAssistantView::makeFolderControls()
     return controls;
 }
 
-void WelcomeAssistantView::keepRoomWhenHidden()
+void WelcomeAssistantView::keepRoomWhenHidden() const
 {
-    for (QWidget *control :
-         {static_cast<QWidget *>(pathControl), static_cast<QWidget *>(chooseButton),
-          static_cast<QWidget *>(openVolumeButton)}) {
-        QSizePolicy policy = control->sizePolicy();
-        policy.setRetainSizeWhenHidden(true);
-        control->setSizePolicy(policy);
-    }
+    form::keepRoomWhenHidden(*pathControl);
+    form::keepRoomWhenHidden(*chooseButton);
+    form::keepRoomWhenHidden(*openVolumeButton);
     setFolderControlsHidden(true);
     warning.setHidden(true);
 }
 
-void WelcomeAssistantView::setFolderControlsHidden(bool hidden)
+void WelcomeAssistantView::setFolderControlsHidden(bool hidden) const
 {
     pathControl->setHidden(hidden);
     chooseButton->setHidden(hidden);

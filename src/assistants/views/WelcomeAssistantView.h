@@ -28,11 +28,11 @@ public:
     QCheckBox *openVolumeButton;
     Warning warning;
 
-    void setFolderControlsHidden(bool hidden); // all of the second row's but the warning
+    void setFolderControlsHidden(bool hidden) const; // all of the second row's but the warning
 
 private:
-    [[nodiscard]] QVBoxLayout *makeFolderControls();
-    void keepRoomWhenHidden();
+    [[nodiscard]] QVBoxLayout *makeFolderControls() const;
+    void keepRoomWhenHidden() const;
 };
 
 } // namespace nimbrel

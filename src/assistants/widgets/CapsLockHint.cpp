@@ -1,6 +1,7 @@
 #include "assistants/widgets/CapsLockHint.h"
 
 #include "app/Texts.h"
+#include "assistants/widgets/Form.h"
 #include "assistants/widgets/PasswordField.h"
 
 #include <QAccessible>
@@ -11,9 +12,7 @@ CapsLockHint::CapsLockHint(QWidget *parent) : QLabel(texts::tr("Caps Lock is on.
 {
     setObjectName(QStringLiteral("capsLockHint"));
     setTextFormat(Qt::PlainText);
-    QSizePolicy policy = sizePolicy();
-    policy.setRetainSizeWhenHidden(true);
-    setSizePolicy(policy);
+    form::keepRoomWhenHidden(*this);
     hide();
 }
 

@@ -93,6 +93,13 @@ QLabel *makeHint(const QString &text, QWidget *parent)
     return label;
 }
 
+void keepRoomWhenHidden(QWidget &control)
+{
+    QSizePolicy policy = control.sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    control.setSizePolicy(policy);
+}
+
 QLabel *makeLabel(const QString &text, QWidget *buddy, QWidget *parent)
 {
     auto *label = new QLabel(text, parent);

@@ -26,6 +26,9 @@ namespace nimbrel::form {
 [[nodiscard]] QLabel *makeHint(const QString &text, QWidget *parent);
 // A label with a mnemonic ("&Name:") for a field; a screen reader takes it as the field's name.
 [[nodiscard]] QLabel *makeLabel(const QString &text, QWidget *buddy, QWidget *parent);
+// So that nothing jumps when the control comes and goes. A form's row gives the room away all the
+// same: there the control needs a layout of its own around it.
+void keepRoomWhenHidden(QWidget &control);
 // Gives a control the name that tests and screen readers' scripts find it under; returns it.
 template <class Control>
 Control *named(const char *name, Control *control)

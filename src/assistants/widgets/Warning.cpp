@@ -12,13 +12,6 @@ namespace nimbrel {
 
 namespace {
 
-void keepRoomWhenHidden(QWidget &control)
-{
-    QSizePolicy policy = control.sizePolicy();
-    policy.setRetainSizeWhenHidden(true);
-    control.setSizePolicy(policy);
-}
-
 // Nobody who only listens would notice it otherwise.
 void announce(QLabel &text)
 {
@@ -36,8 +29,8 @@ Warning Warning::make(QWidget *parent)
     warning.text = form::named("warningTextField", form::makeText(QString(), parent));
     warning.text->setAccessibleDescription(texts::tr("Warning"));
     warning.text->setMinimumHeight(warning.text->fontMetrics().lineSpacing());
-    keepRoomWhenHidden(*warning.image);
-    keepRoomWhenHidden(*warning.text);
+    form::keepRoomWhenHidden(*warning.image);
+    form::keepRoomWhenHidden(*warning.text);
     warning.row = new QHBoxLayout;
     warning.row->setSpacing(warning.text->fontMetrics().height() / 2);
     warning.row->addWidget(warning.image, 0, Qt::AlignTop);
