@@ -11,6 +11,8 @@
 #include <QPushButton>
 #include <QScreen>
 
+#include <utility>
+
 namespace nimbrel {
 
 namespace {
@@ -182,7 +184,8 @@ void TESetupAssistant::reset()
     if (_window)
         _window->close();
     stopModal();
-    _assistants.clear();
+    // The last holder of a page lets go of it, and of its view, when that has left the box.
+    const QList<AssistantPtr> leaving = std::exchange(_assistants, {});
     _sessionDict.clear();
     if (!_window)
         return;
