@@ -80,7 +80,9 @@ void NBRootAssistant::fillLocations()
         popUp.insertSeparator(popUp.count());
     }
     _otherItem = popUp.count();
-    popUp.addItem(icons::named(QStringLiteral("NSActionTemplate")), texts::tr("Other…"));
+    popUp.addItem(
+        icons::tinted(QStringLiteral("NSActionTemplate"), popUp.palette().color(QPalette::Text)),
+        texts::tr("Other…"));
 }
 
 void NBRootAssistant::updateRootPath()
