@@ -633,5 +633,21 @@ WARNUNG: Die Datei .encfs6.xml in diesem Ordner ist eine Konfigurationsdatei, di
         <source>The password is being changed</source>
         <translation>Das Passwort wird geändert</translation>
     </message>
+    <message>
+        <source>a disk is mounted at {path}</source>
+        <translation>ein Laufwerk ist in {path} eingehängt</translation>
+    </message>
+    <message>
+        <source>{who} uses it</source>
+        <translation>{who} benutzt es</translation>
+    </message>
+    <message>
+        <source>{who} has {path} open</source>
+        <translation>{who} hat {path} geöffnet</translation>
+    </message>
+    <message>
+        <source>, and {count} more</source>
+        <translation>, und {count} weitere</translation>
+    </message>
 </context>
 </TS>

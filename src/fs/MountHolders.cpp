@@ -128,12 +128,20 @@ std::string programName(const std::string &process)
     return name;
 }
 
-std::string describe(const MountHolder &holder)
+std::string filled(std::string text, std::string_view place, const std::string &with)
+{
+    if (const std::size_t at = text.find(place); at != std::string::npos)
+        text.replace(at, place.size(), with);
+    return text;
+}
+
+std::string describe(const MountHolder &holder, const HolderWords &words)
 {
     if (holder.process == 0)
-        return fmt::format("a disk is mounted at {}", holder.path);
+        return filled(words.mounted, "{path}", holder.path);
     const std::string who = fmt::format("{} ({})", holder.name, holder.process);
-    return holder.path.empty() ? who + " uses it" : fmt::format("{} has {} open", who, holder.path);
+    const std::string &form = holder.path.empty() ? words.uses : words.hasOpen;
+    return filled(filled(form, "{who}", who), "{path}", holder.path);
 }
 
 } // namespace
@@ -158,14 +166,14 @@ std::vector<MountHolder> mountHolders(const std::string &mountPoint)
     return holders;
 }
 
-std::string describeHolders(const std::vector<MountHolder> &holders)
+std::string describeHolders(const std::vector<MountHolder> &holders, const HolderWords &words)
 {
     constexpr std::size_t named = 3;
     std::string text;
     for (std::size_t i = 0; i < std::min(named, holders.size()); ++i)
-        text += (i == 0 ? "" : ", ") + describe(holders[i]);
+        text += (i == 0 ? "" : ", ") + describe(holders[i], words);
     if (holders.size() > named)
-        text += fmt::format(", and {} more", holders.size() - named);
+        text += filled(words.more, "{count}", std::to_string(holders.size() - named));
     return text;
 }
 

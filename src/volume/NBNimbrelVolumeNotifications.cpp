@@ -28,6 +28,14 @@ struct UnmountResult
     QString holders = {};
 };
 
+HolderWords localWords()
+{
+    return {.mounted = coreText(texts::tr("a disk is mounted at {path}")),
+            .uses = coreText(texts::tr("{who} uses it")),
+            .hasOpen = coreText(texts::tr("{who} has {path} open")),
+            .more = coreText(texts::tr(", and {count} more"))};
+}
+
 UnmountResult unmountDisk(UserFileSystem &disk)
 {
     const NBDone done = disk.unmount();
@@ -35,7 +43,7 @@ UnmountResult unmountDisk(UserFileSystem &disk)
         return {};
     if (done.code() != EBUSY)
         return {done.code()};
-    return {EBUSY, qtText(describeHolders(mountHolders(disk.mountPoint())))};
+    return {EBUSY, qtText(describeHolders(mountHolders(disk.mountPoint()), localWords()))};
 }
 
 } // namespace

@@ -99,10 +99,10 @@ def foreign_contexts(messages):
 
 
 def directives(text):
-    """Unnumbered ones take arguments in their order, numbered ones in any."""
-    found = re.findall(r"%(?:@|ld|d|s|n|%|L?\d+)", text)
-    numbered = [one for one in found if one[-1].isdigit()]
-    return [one for one in found if one not in numbered], collections.Counter(numbered)
+    """Unnumbered ones take arguments in their order, numbered and named ones in any."""
+    found = re.findall(r"%(?:@|ld|d|s|n|%|L?\d+)|\{\w+\}", text)
+    free = [one for one in found if one[-1].isdigit() or one[-1] == "}"]
+    return [one for one in found if one not in free], collections.Counter(free)
 
 
 def mnemonics(text):
@@ -301,6 +301,8 @@ class RefusalTest(unittest.TestCase):
 
     def test_numbered_placeholders_may_change_places(self):
         self.assertEqual(CHECKS["placeholders"]([Message("%1 of %2", "%2: %1")]), [])
+        self.assertEqual(CHECKS["placeholders"]([Message("{a} of {b}", "{b}: {a}")]), [])
+        self.assert_refused_by("placeholders", "{who} has it", "{wer} hat es")
 
     def test_a_mnemonic_too_many_or_too_few_is_refused(self):
         self.assert_refused_by("mnemonics", "&Name", "Name")

@@ -1,3 +1,4 @@
+#include "app/Translation.h"
 #include "volume/VolumeFixture.h"
 
 #include <csignal>
@@ -54,6 +55,21 @@ TEST_F(UnmountingTest, ADiskInUseStaysAndTheAlertNamesTheProgramAndItsFile)
     ASSERT_TRUE(holder->wait(std::chrono::seconds(30)));
     EXPECT_TRUE(desk.unmount(volume));
     EXPECT_FALSE(mountedAt(real.substr(0, real.rfind('/'))));
+}
+
+TEST_F(UnmountingTest, InGermanTheAlertIsGermanAsAWhole)
+{
+    translation::install({QStringLiteral("de")});
+    const VolumePtr volume = mounted();
+    const std::string file = onDisk(volume, "report.txt");
+    writeFile(file, "in use");
+    const auto holder = holderOf(file);
+    volume->unmount(into(results));
+    ASSERT_TRUE(eventLoopUntil([&] { return alertCount() == 1; }));
+    translation::install({});
+    EXPECT_EQ(headline(), "„Safe“ konnte nicht ausgehängt werden.");
+    EXPECT_THAT(detail(), ::testing::HasSubstr(") hat " + canonicalPoint(volume) +
+                                               "/report.txt geöffnet. Bitte zuerst das"));
 }
 
 TEST_F(UnmountingTest, AFileNameWithPercentSignsIsShownAsItIs)

@@ -36,6 +36,8 @@ TEST(NBMountHoldersTest, UpToThreeAreNamed)
     const MountHolder shell{7, "bash", ""};
     const MountHolder disk{0, "", "/home/ann/Safe/usb"};
     EXPECT_EQ(describeHolders({vim}), "vim (1234) has /home/ann/Safe/a.txt open");
+    EXPECT_EQ(describeHolders({vim}, {.hasOpen = "{path}: {who}"}),
+              "/home/ann/Safe/a.txt: vim (1234)");
     EXPECT_EQ(describeHolders({vim, shell, disk}),
               "vim (1234) has /home/ann/Safe/a.txt open, bash (7) uses it, a disk is mounted at "
               "/home/ann/Safe/usb");
