@@ -27,22 +27,9 @@ std::optional<QString> manual(const Resources &resources, const QString &name)
     return resources.path(name, type, QStringLiteral("en"));
 }
 
-// The core's own text once more, for the string table to find it; a test compares both.
 QString localInformation()
 {
-    return texts::tr(
-        "This is an encrypted folder which contains files encrypted with Nimbrel.\r\n"
-        "\r\n"
-        "IMPORTANT: Do NOT store plaintext files directly in this folder. They will NOT be "
-        "encrypted!\r\n"
-        "\r\n"
-        "Only files processed by the Nimbrel applications will be protected by Nimbrel. You "
-        "want to encrypt your files? Simply store them in the Nimbrel applications and Nimbrel "
-        "will encrypt them!\r\n"
-        "\r\n"
-        "WARNING: The .encfs6.xml file in this folder is a configuration file needed by "
-        "Nimbrel. This file holds all information required for encrypting and decrypting your "
-        "data. If the file gets lost or overwritten, you will lose access to your data!\r\n");
+    return texts::tr(std::string(informationText()).c_str());
 }
 
 } // namespace
