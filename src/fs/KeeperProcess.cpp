@@ -83,40 +83,68 @@ bool isStuck(pid_t process)
     return !error && hasEnded(process) && std::distance(begin(threads), end(threads)) > 1;
 }
 
-// The kernel's word that the maker's first thread has ended: the line closes with the last one,
-// which may never come. A maker that had ended before has closed the line.
-UniqueFd noticeOfDeath()
+// Watches over the maker's life. The line closes with its last thread, which may never end, so the
+// kernel's notice of its first thread's end counts as well.
+//
+// That notice may be missed: the maker may end before it is asked for. It comes some moments before
+// the maker is seen to have ended, and may be another thread's, whose end is none. So at first, and
+// after each notice, the maker is looked at for a while.
+class MakersLife final
 {
-    sigset_t notice;
-    sigemptyset(&notice);
-    sigaddset(&notice, SIGUSR1);
-    ::sigprocmask(SIG_BLOCK, &notice, nullptr);
-    ::prctl(PR_SET_PDEATHSIG, SIGUSR1);
-    return UniqueFd(::signalfd(-1, &notice, SFD_CLOEXEC));
-}
-
-// True when there is a record or the line is closed; false when the maker has died and neither is.
-bool awaitLine(const UniqueFd &death, pid_t maker)
-{
-    for (;;) {
-        std::array<pollfd, 2> sources{{{lineNumber, POLLIN, 0}, {death.get(), POLLIN, 0}}};
-        if (::poll(sources.data(), sources.size(), -1) < 0)
-            continue;
-        if (sources[0].revents != 0)
-            return true;
-        if (hasEnded(maker))
-            return false;
-        signalfd_siginfo ofAnotherThread{};
-        (void)!::read(death.get(), &ofAnotherThread, sizeof ofAnotherThread);
+public:
+    explicit MakersLife(pid_t maker) : _maker(maker)
+    {
+        sigset_t notice;
+        sigemptyset(&notice);
+        sigaddset(&notice, SIGUSR1);
+        ::sigprocmask(SIG_BLOCK, &notice, nullptr);
+        ::prctl(PR_SET_PDEATHSIG, SIGUSR1);
+        _notices = UniqueFd(::signalfd(-1, &notice, SFD_CLOEXEC));
+        lookForAWhile();
     }
-}
+
+    // True when there is a record or the line is closed; false when the maker has died and neither
+    // is.
+    [[nodiscard]] bool awaitLine()
+    {
+        for (;;) {
+            constexpr int pause = 20; // ms
+            const int patience = Clock::now() < _lookingUntil ? pause : -1;
+            std::array<pollfd, 2> sources{{{lineNumber, POLLIN, 0}, {_notices.get(), POLLIN, 0}}};
+            if (::poll(sources.data(), sources.size(), patience) < 0)
+                continue;
+            if (sources[0].revents != 0)
+                return true;
+            if (hasEnded(_maker))
+                return false;
+            if (sources[1].revents != 0)
+                takeNotice();
+        }
+    }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    void lookForAWhile() { _lookingUntil = Clock::now() + std::chrono::seconds(10); }
+    void takeNotice()
+    {
+        signalfd_siginfo notice{};
+        (void)!::read(_notices.get(), &notice, sizeof notice);
+        lookForAWhile();
+    }
+
+    pid_t _maker;
+    UniqueFd _notices;
+    Clock::time_point _lookingUntil;
+};
 
 // What is kept when the maker has ended.
-std::vector<std::string> readRecords(const UniqueFd &death, pid_t maker)
+std::vector<std::string> readRecords(pid_t maker)
 {
+    MakersLife life(maker);
     std::vector<std::string> kept;
     std::array<char, PATH_MAX + 1> record{};
-    while (awaitLine(death, maker)) {
+    while (life.awaitLine()) {
         const ssize_t got = ::recv(lineNumber, record.data(), record.size(), 0);
         if (got < 0 && errno == EINTR)
             continue;
@@ -163,7 +191,7 @@ void settleAll(std::vector<std::string> points, pid_t maker)
 void runKeeper(int line, pid_t maker)
 {
     becomeKeeper(line);
-    settleAll(readRecords(noticeOfDeath(), maker), maker);
+    settleAll(readRecords(maker), maker);
     ::_exit(0);
 }
 
