@@ -36,7 +36,7 @@ QLocale spoken(const QStringList &languages)
             QFile::exists(QStringLiteral(":/translations/nimbrel_%1.qm").arg(code)))
             return each;
     }
-    return QLocale(QLocale::English);
+    return {QLocale::English};
 }
 
 } // namespace

@@ -63,7 +63,7 @@ QFormLayout *PasswordAssistantView::makeFields()
     return fields;
 }
 
-QVBoxLayout *PasswordAssistantView::makeStrength()
+QVBoxLayout *PasswordAssistantView::makeStrength() const
 {
     guessTimeLabel->setMinimumHeight(guessTimeLabel->fontMetrics().lineSpacing());
     QHBoxLayout *level = form::makeRow();

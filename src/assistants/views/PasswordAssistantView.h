@@ -28,7 +28,7 @@ public:
 
 private:
     [[nodiscard]] QFormLayout *makeFields();
-    [[nodiscard]] QVBoxLayout *makeStrength();
+    [[nodiscard]] QVBoxLayout *makeStrength() const;
     void showGuessTime(const QString &passphrase) const;
 };
 
