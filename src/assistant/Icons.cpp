@@ -83,7 +83,6 @@ QString themeName(const QString &name)
         {QStringLiteral("NSCaution"), QStringLiteral("dialog-warning")},
         {QStringLiteral("folder"), QStringLiteral("folder")},
         {QStringLiteral("documents"), QStringLiteral("folder-documents")},
-        {QStringLiteral("cloud"), QStringLiteral("folder-remote")},
     };
     return names.value(name);
 }

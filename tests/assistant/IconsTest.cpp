@@ -33,8 +33,8 @@ TEST_P(NamedIconTest, HasAPicture)
 INSTANTIATE_TEST_SUITE_P(All, NamedIconTest,
                          ::testing::Values("NSApplicationIcon", "GrayDot", "BlueDot",
                                            "DisabledGrayDot", "NSCaution", "NSActionTemplate",
-                                           "folder", "cloud", "documents", "show-password",
-                                           "hide-password", "caps-lock"));
+                                           "folder", "documents", "show-password", "hide-password",
+                                           "caps-lock"));
 
 TEST(IconsTest, ANameThatNobodyKnowsHasNone)
 {
