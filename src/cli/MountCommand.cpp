@@ -6,11 +6,11 @@
 #include "cli/MountFailureError.h"
 #include "cli/Output.h"
 #include "cli/PrintableText.h"
-#include "cli/ProcessGuards.h"
 #include "cli/ServiceLoop.h"
 #include "cli/ShellWord.h"
 #include "fs/MountKeeper.h"
 #include "fs/MountPointCheck.h"
+#include "fs/ProcessGuards.h"
 
 #include <fmt/format.h>
 

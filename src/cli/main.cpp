@@ -1,7 +1,8 @@
 #include "cli/CommandError.h"
 #include "cli/CommandLine.h"
 #include "cli/Output.h"
-#include "cli/ProcessGuards.h"
+#include "cli/PrintableText.h"
+#include "fs/ProcessGuards.h"
 
 #include <exception>
 #include <new>
@@ -14,7 +15,10 @@ using nimbrel::ExitStatus;
 ExitStatus runProgram(int count, const char *const *arguments)
 {
     try {
-        nimbrel::forbidDumps();
+        if (const int error = nimbrel::forbidDumps(); error != 0)
+            throw nimbrel::CommandError(ExitStatus::Failed,
+                                        "This process can't be kept out of core files: " +
+                                            nimbrel::errorText(error));
         const ExitStatus status = nimbrel::parseCommandLine(count, arguments)();
         if (nimbrel::flushOutput())
             return status;

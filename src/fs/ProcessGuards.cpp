@@ -1,7 +1,4 @@
-#include "cli/ProcessGuards.h"
-
-#include "cli/CommandError.h"
-#include "cli/PrintableText.h"
+#include "fs/ProcessGuards.h"
 
 #include <cerrno>
 #include <csignal>
@@ -10,12 +7,12 @@
 
 namespace nimbrel {
 
-void forbidDumps()
+int forbidDumps()
 {
     const rlimit none{0, 0};
     if (::prctl(PR_SET_DUMPABLE, 0, 0, 0, 0) != 0 || ::setrlimit(RLIMIT_CORE, &none) != 0)
-        throw CommandError(ExitStatus::Failed,
-                           "This process can't be kept out of core files: " + errorText(errno));
+        return errno;
+    return 0;
 }
 
 void prepareToServe()
