@@ -1,7 +1,7 @@
 #include "platform/DesktopCalls.h"
 
 #include "config/UniqueFd.h"
-#include "platform/SessionBus.h"
+#include "platform/SessionBusAddress.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -99,6 +99,17 @@ void showFolder(const QString &folder)
     tryWays({{fileManagerCall(QStringLiteral("ShowFolders"), folder),
               portalCallWithItem(QStringLiteral("OpenFile"), folder)},
              folder});
+}
+
+void wakeFileManager()
+{
+    if (!isBusThere())
+        return;
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("StartServiceByName"));
+    call.setArguments({QStringLiteral("org.freedesktop.FileManager1"), quint32(0)});
+    QDBusConnection::sessionBus().asyncCall(call); // nothing depends on its answer
 }
 
 void openFile(const QString &file)

@@ -16,5 +16,7 @@ void openFile(const QString &file);
 // The file manager at the item's folder, with the item picked out.
 void revealItem(const QString &item);
 void openAddress(const QUrl &url);
+// Has the bus start the file manager, which shows no window by that.
+void wakeFileManager();
 
 } // namespace nimbrel::desktop

@@ -51,6 +51,8 @@ inline const QString advanced = QStringLiteral("advanced");
 inline const QString updateToBeta = QStringLiteral("NBUpdateToBeta");
 inline const QString redPill = QStringLiteral("NBGiveMeTheRedPill"); // switches the log file on
 inline const QString sendProfileInfo = QStringLiteral("SUSendProfileInfo");
+inline const QString feedURL = QStringLiteral("SUFeedURL");             // in the build's place
+inline const QString lastCheckTime = QStringLiteral("SULastCheckTime"); // ISO 8601, UTC
 } // namespace preferencesKey
 
 } // namespace nimbrel
