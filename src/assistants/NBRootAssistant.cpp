@@ -3,8 +3,8 @@
 #include "app/NBApplication.h"
 #include "app/Texts.h"
 #include "app/Util.h"
-#include "assistant/Icons.h"
 #include "assistant/TESetupAssistant.h"
+#include "assistants/widgets/LocationsMenu.h"
 #include "assistants/widgets/Panels.h"
 #include "assistants/widgets/PathControl.h"
 #include "assistants/widgets/PopUpButton.h"
@@ -13,21 +13,10 @@
 
 #include <QLabel>
 #include <QLineEdit>
-#include <QStandardPaths>
 
 namespace nimbrel {
 
 namespace {
-
-QUrl documentsURL()
-{
-    return QUrl::fromLocalFile(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
-}
-
-void addLocation(QComboBox &popUp, const QString &title, const QUrl &url)
-{
-    popUp.addItem(icons::forFolder(url.toLocalFile()), title, url);
-}
 
 // The folder's name gets the extension in any case. A URL that isn't there stays so.
 QUrl folderURL(const QUrl &location, const QString &name)
@@ -70,19 +59,14 @@ void NBRootAssistant::start()
 void NBRootAssistant::fillLocations()
 {
     QComboBox &popUp = *controls().foldersPopUpButton;
-    const QUrl documents = documentsURL();
-    popUp.setItemData(0, documents);
-    popUp.setItemIcon(0, icons::forFolder(documents.toLocalFile()));
+    locations::setUpDocuments(popUp);
     if (const auto services = NBCloudServiceDiscoveryController().availableServices()) {
         popUp.insertSeparator(popUp.count());
         for (const auto &service : *services)
-            addLocation(popUp, service->name(), service->storageURL());
+            locations::add(popUp, service->name(), service->storageURL());
         popUp.insertSeparator(popUp.count());
     }
-    _otherItem = popUp.count();
-    popUp.addItem(
-        icons::tinted(QStringLiteral("NSActionTemplate"), popUp.palette().color(QPalette::Text)),
-        texts::tr("Other…"));
+    _otherItem = locations::addOther(popUp);
 }
 
 void NBRootAssistant::updateRootPath()

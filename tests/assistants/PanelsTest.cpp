@@ -137,5 +137,61 @@ TEST_F(PanelsTest, AFolderIsGivenWhereFoldersAreWanted)
     EXPECT_EQ(urls, QList<QUrl>{QUrl::fromLocalFile(path("inner"))});
 }
 
+TEST_F(PanelsTest, ACancelIsToldToWhoWantsToHearOfIt)
+{
+    int cancels = 0;
+    panels::beginSheet(window, panels::OpenPanel{.canChooseDirectories = true}, take(),
+                       [&] { ++cancels; });
+    cancel(sheetOf(window));
+    EXPECT_EQ(cancels, 1);
+    EXPECT_TRUE(urls.isEmpty());
+}
+
+TEST_F(PanelsTest, TheHandlerIsCalledWhenThePanelHasGone)
+{
+    int cancels = 0;
+    bool isOnShow = true;
+    panels::beginSheet(
+        window, panels::OpenPanel{.canChooseDirectories = true},
+        [&](const QUrl &) { isOnShow = hasSheet(window); }, [&] { ++cancels; });
+    choose(sheetOf(window), qtText(folder.makeFolder("inner")));
+    EXPECT_FALSE(isOnShow);
+    EXPECT_EQ(cancels, 0);
+}
+
+TEST_F(PanelsTest, ARefusedChoiceLeavesThePanelThereUntilOneWillDo)
+{
+    int cancels = 0;
+    QList<QUrl> asked;
+    for (const char *name : {"bad", "good"})
+        std::filesystem::create_directory(folder / name);
+    const auto begin = [&] {
+        panels::beginSheet(window,
+                           panels::OpenPanel{.title = QStringLiteral("Take it"),
+                                             .canChooseDirectories = true,
+                                             .validateURL =
+                                                 [&](const QUrl &url) {
+                                                     asked.push_back(url);
+                                                     return url ==
+                                                            QUrl::fromLocalFile(path("good"));
+                                                 }},
+                           take(), [&] { ++cancels; });
+    };
+    begin();
+    choose(sheetOf(window), path("bad"));
+    EXPECT_EQ(sheetOf(window).windowTitle(), QStringLiteral("Take it"));
+    EXPECT_EQ(sheetOf(window).directory().absolutePath(), path("").chopped(1));
+    EXPECT_TRUE(urls.isEmpty());
+    choose(sheetOf(window), path("good"));
+    EXPECT_EQ(urls, QList<QUrl>{QUrl::fromLocalFile(path("good"))});
+    EXPECT_EQ(asked.size(), 2);
+    EXPECT_FALSE(hasSheet(window));
+    begin();
+    choose(sheetOf(window), path("bad"));
+    cancel(sheetOf(window));
+    EXPECT_EQ(cancels, 1);
+    EXPECT_EQ(urls.size(), 1);
+}
+
 } // namespace
 } // namespace nimbrel::test

@@ -12,6 +12,7 @@ class QWidget;
 namespace nimbrel::panels {
 
 using Handler = std::function<void(const QUrl &url)>; // not called on Cancel
+using CancelHandler = std::function<void()>;
 
 struct OpenPanel
 {
@@ -19,10 +20,14 @@ struct OpenPanel
     bool canChooseDirectories = false; // false: files
     bool canCreateDirectories = false;
     QUrl directory = {};
+    // panel:validateURL:error:
+    // Says no after telling the user why; then the panel is there again. All pass without it.
+    std::function<bool(const QUrl &url)> validateURL = {};
 };
 
-// One URL, which exists. `window` owns the panel; it ends with it.
-void beginSheet(QWidget &window, const OpenPanel &panel, Handler handler);
+// One URL, which exists. `window` owns the panel; it ends with it, and then calls nothing.
+void beginSheet(QWidget &window, const OpenPanel &panel, Handler handler,
+                CancelHandler cancelHandler = {});
 
 struct SavePanel
 {
