@@ -9,6 +9,10 @@
 
 namespace nimbrel {
 
+// Where what takes long is done. Not in Qt's global pool: Qt paints with that one's threads, and a
+// store that doesn't answer would freeze the windows. Thread-safe.
+[[nodiscard]] QThreadPool &backgroundPool();
+
 // Calls `done(owner)` on the main thread, later; not at all when the owner has gone by then.
 template <class Owner, class Done>
 void onMainThread(std::weak_ptr<Owner> owner, Done done)
@@ -26,11 +30,11 @@ void onMainThread(std::weak_ptr<Owner> owner, Done done)
 }
 
 // Runs `work()` on a thread of `pool`, then `done(owner, result)` on the main thread, if the owner
-// is still there. The work holds nothing of the owner's. The application object waits at its end
-// for what runs in the global pool.
+// is still there. The work holds nothing of the owner's. The program waits at its end for what runs
+// in the background's own pool.
 template <class Owner, class Work, class Done>
 void inBackground(std::weak_ptr<Owner> owner, Work work, Done done,
-                  QThreadPool &pool = *QThreadPool::globalInstance())
+                  QThreadPool &pool = backgroundPool())
 {
     pool.start(
         [owner = std::move(owner), work = std::move(work), done = std::move(done)]() mutable {

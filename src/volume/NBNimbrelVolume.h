@@ -118,8 +118,8 @@ public:
     [[nodiscard]] QString keychainServiceName() const;
     void doStorePassphrase();
     void clearPassphrase();
-    // changePassphrase:newPassphrase:  Tells the user of a failure itself. Runs the event loop while
-    // keys are derived, without the user's input.
+    // changePassphrase:newPassphrase:  Tells the user of a failure itself. Runs the event loop
+    // while keys are derived, without the user's input.
     [[nodiscard]] bool changePassphrase(std::string_view passphrase,
                                         std::string_view newPassphrase);
     // Asks the user; true when one was given.

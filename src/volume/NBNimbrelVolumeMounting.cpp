@@ -165,8 +165,8 @@ void NBNimbrelVolume::startDisk()
     if (!ofDisk)
         return notifications.mountFailed(noContexts());
     _fuseFS = std::make_shared<UserFileSystem>(std::move(ofDisk), notifications, _services.keeper);
-    QThreadPool::globalInstance()->start(DiskStart(
-        _fuseFS, _mountPointFolder, coreTexts(mountOptions()), notifications.mountFailed));
+    backgroundPool().start(DiskStart(_fuseFS, _mountPointFolder, coreTexts(mountOptions()),
+                                     notifications.mountFailed));
 }
 
 void NBNimbrelVolume::openAndMountIfRequired()

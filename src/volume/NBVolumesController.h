@@ -41,6 +41,10 @@ public:
 
     void mountVolume(const VolumePtr &volume, VolumeHandler completitionHandler = {});
     void unmountVolume(const VolumePtr &volume, VolumeHandler completitionHandler = {});
+    // Two volumes that take the same place: starts the old one's unmount; the next mountInRoom
+    // waits until that has ended, also when the old disk refuses to go.
+    void makeRoom(const VolumePtr &mounted);
+    void mountInRoom(const VolumePtr &volume, VolumeHandler completitionHandler);
     // These start each mount or unmount and wait for none.
     void mountVolumes();
     void automountVolumes();
@@ -65,6 +69,7 @@ private:
     [[nodiscard]] VolumePtr volumeOf(const KeyedRecord &record);
     void fetchPassphrase(NBNimbrelVolume &volume);
     void clearTheWay();
+    void mountWaiting();
     void mountNewVolume(const VolumePtr &volume);
     [[nodiscard]] VolumePtr newVolumeWith(NBNewVolumeSettings settings);
 
@@ -72,6 +77,7 @@ private:
     QList<VolumePtr> _volumes;
     std::weak_ptr<NBNimbrelVolume> _leaving;          // unmounts to make room for a new one
     std::weak_ptr<NBNimbrelVolume> _waiting;          // that new one
+    VolumeHandler _waitingHandler;                    // of its mount
     QList<std::weak_ptr<NBNimbrelVolume>> _reporting; // mounted from here, also if off the list
 };
 

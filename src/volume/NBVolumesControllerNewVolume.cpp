@@ -10,6 +10,8 @@
 
 #include <QPointer>
 
+#include <utility>
+
 namespace nimbrel {
 
 // The next steps don't wait for the mount: the success page is up while it goes on.
@@ -25,10 +27,7 @@ void NBVolumesController::newVolume()
         Util::showAlert(texts::tr("The new Nimbrel Folder has not been created!"));
         return;
     }
-    if (const VolumePtr old = _leaving.lock(); old && old->isBusy())
-        _waiting = volume;
-    else
-        mountNewVolume(volume);
+    mountNewVolume(volume);
     _volumes.append(volume);
     saveVolumes();
     if (_services.userInterface.showSuccess(*volume))
@@ -46,23 +45,43 @@ void NBVolumesController::clearTheWay()
     if (wasMounted)
         old->clearPassphrase();
     _volumes.clear();
-    if (wasMounted) {
-        _leaving = old;
-        unmountVolume(old, [controller = QPointer(this)](bool) {
-            const VolumePtr next = controller ? controller->_waiting.lock() : nullptr;
-            if (!next)
-                return;
-            controller->_waiting.reset();
-            controller->mountNewVolume(next);
-        });
-    }
+    if (wasMounted)
+        makeRoom(old);
     saveVolumes();
 }
 
-// Both disks have the same place, so the new one waits for the old one's end.
+void NBVolumesController::makeRoom(const VolumePtr &mounted)
+{
+    _leaving = mounted;
+    unmountVolume(mounted, [controller = QPointer(this)](bool) {
+        if (controller)
+            controller->mountWaiting();
+    });
+}
+
+// Somebody else may have mounted it meanwhile.
+void NBVolumesController::mountWaiting()
+{
+    const VolumePtr next = std::exchange(_waiting, {}).lock();
+    VolumeHandler handler = std::exchange(_waitingHandler, {});
+    if (next && !next->isMounted())
+        mountVolume(next, std::move(handler));
+    else if (next && handler)
+        handler(true);
+}
+
+void NBVolumesController::mountInRoom(const VolumePtr &volume, VolumeHandler completitionHandler)
+{
+    const VolumePtr old = _leaving.lock();
+    if (!old || !old->isBusy())
+        return mountVolume(volume, std::move(completitionHandler));
+    _waiting = volume;
+    _waitingHandler = std::move(completitionHandler);
+}
+
 void NBVolumesController::mountNewVolume(const VolumePtr &volume)
 {
-    mountVolume(volume, [weak = std::weak_ptr(volume)](bool mounted) {
+    mountInRoom(volume, [weak = std::weak_ptr(volume)](bool mounted) {
         if (const VolumePtr alive = mounted ? weak.lock() : nullptr)
             alive->writeAuxiliaryFilesToDisk();
     });

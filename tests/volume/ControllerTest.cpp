@@ -408,6 +408,30 @@ TEST_F(MountedControllerTest, DiskThatRefusedToGoIsStillReportedWhenItIsEjectedL
     EXPECT_EQ(listener.heard, "unmounted Work;");
 }
 
+TEST_F(MountedControllerTest, VolumeThatTakesAnothersPlaceMountsWhenThatHasLeftIt)
+{
+    const VolumePtr old = add("Old");
+    old->setLabel(QStringLiteral("Same"));
+    const VolumePtr next = add("Next");
+    next->setLabel(QStringLiteral("Same"));
+    ASSERT_TRUE(desk.mount(old));
+    controller.makeRoom(old);
+    controller.mountInRoom(next, listener.handler());
+    EXPECT_FALSE(next->isBusy());
+    EXPECT_TRUE(hears("unmounted Same;mounted Same;handler: done;"));
+    EXPECT_FALSE(old->isMounted());
+    EXPECT_TRUE(next->isMounted());
+    EXPECT_TRUE(desk.alerts.shown.empty());
+}
+
+TEST_F(MountedControllerTest, WhereNobodyLeavesAVolumeMountsAtOnce)
+{
+    const VolumePtr volume = add("Work");
+    controller.mountInRoom(volume, listener.handler());
+    EXPECT_TRUE(volume->isBusy());
+    EXPECT_TRUE(hears("mounted Work;handler: done;"));
+}
+
 TEST_F(MountedControllerTest, VolumeMountedThroughAListThatHasGoneUnmountsInPeace)
 {
     auto other = std::make_unique<NBVolumesController>(desk.services);

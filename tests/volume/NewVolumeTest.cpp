@@ -2,6 +2,7 @@
 #include "config/NBNimbrelFSPreferences.h"
 #include "support/MountInfo.h"
 #include "support/Process.h"
+#include "volume/Background.h"
 #include "volume/StoredList.h"
 
 #include <QSemaphore>
@@ -345,7 +346,7 @@ TEST_F(MountedNewVolumeTest, InSimpleModeTheNewDiskWaitsForASlowUnmountOfTheOldO
     desk.person.isAdvanced = false;
     const VolumePtr old = make(wanted("Old.nmc"));
     settle();
-    QThreadPool &pool = *QThreadPool::globalInstance();
+    QThreadPool &pool = backgroundPool();
     QSemaphore mayGoOn;
     for (int i = 0; i < pool.maxThreadCount(); ++i) // nobody is left for the unmount
         pool.start([&mayGoOn] { mayGoOn.acquire(); });

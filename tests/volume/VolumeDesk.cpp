@@ -3,6 +3,7 @@
 #include "fs/MountTable.h"
 #include "platform/KeyedArchive.h"
 #include "support/Files.h"
+#include "volume/Background.h"
 #include "volume/StoredPassphrase.h"
 #include "volume/TextConversion.h"
 
@@ -162,10 +163,10 @@ bool VolumeDesk::hasNoMounts() const
 void settle()
 {
     secretQueue().waitForDone();
-    QThreadPool::globalInstance()->waitForDone();
+    backgroundPool().waitForDone();
     QCoreApplication::processEvents();
     secretQueue().waitForDone();
-    QThreadPool::globalInstance()->waitForDone();
+    backgroundPool().waitForDone();
     QCoreApplication::processEvents();
 }
 
