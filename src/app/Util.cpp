@@ -36,18 +36,12 @@ bool hasWindows()
     return qobject_cast<QApplication *>(QCoreApplication::instance()) != nullptr;
 }
 
-// Nobody may agree in a person's place.
-int answerOfNobody(const Alert &alert)
-{
-    return alert.buttons.size() > 1 ? 0 : 1;
-}
-
 int logInstead(const Alert &alert)
 {
     QStringList texts{alert.messageText, alert.informativeText};
     texts.removeAll(QString());
     systemLog(texts.join(QLatin1Char(' ')));
-    return answerOfNobody(alert);
+    return alert.answerOfNobody();
 }
 
 // QMessageBox names its labels so for style sheets.
@@ -83,11 +77,11 @@ void setTexts(QMessageBox &box, const Alert &alert)
         text->setMinimumWidth(readableWidth(box));
 }
 
-// Returns the default button. The last one takes Escape.
-QAbstractButton *addButtons(QMessageBox &box, const QStringList &titles)
+// Returns the default button.
+QAbstractButton *addButtons(QMessageBox &box, const Alert &alert)
 {
     QList<QPushButton *> buttons;
-    for (const QString &title : titles)
+    for (const QString &title : alert.buttons)
         buttons += box.addButton(title, buttons.isEmpty() ? QMessageBox::AcceptRole
                                                           : QMessageBox::RejectRole);
     if (buttons.isEmpty())
@@ -95,7 +89,7 @@ QAbstractButton *addButtons(QMessageBox &box, const QStringList &titles)
     for (QPushButton *button : std::as_const(buttons))
         button->setIcon({}); // the words say it
     box.setDefaultButton(buttons.first());
-    box.setEscapeButton(buttons.last());
+    box.setEscapeButton(alert.isDefaultHarmless ? buttons.first() : buttons.last());
     return buttons.first();
 }
 
@@ -132,11 +126,11 @@ int showMessageBox(const Alert &alert)
     box.setWindowTitle(alert.windowTitle);
     setSign(box, alert);
     setTexts(box, alert);
-    const QAbstractButton *defaultButton = addButtons(box, alert.buttons);
+    const QAbstractButton *defaultButton = addButtons(box, alert);
     addHelp(box, alert.showHelp);
     box.exec();
     if (box.clickedButton() == nullptr) // the program ends meanwhile
-        return answerOfNobody(alert);
+        return alert.answerOfNobody();
     return box.clickedButton() == defaultButton ? 1 : 0;
 }
 

@@ -62,6 +62,7 @@ public:
     {
         QString defaultButton;
         QString alternateButton;
+        bool isDefaultHarmless = false; // see Alert
     };
     static int showAlert(const QString &text, const Buttons &buttons);
     // showAlert:title:defaultButton:alternateButton:

@@ -29,13 +29,17 @@ int Util::showAlert(const QString &text, const QString &title)
 
 int Util::showAlert(const QString &text, const Buttons &buttons)
 {
-    return runModal({.messageText = text, .buttons = titlesOf(buttons)});
+    return runModal({.messageText = text,
+                     .buttons = titlesOf(buttons),
+                     .isDefaultHarmless = buttons.isDefaultHarmless});
 }
 
 int Util::showAlert(const QString &text, const QString &title, const Buttons &buttons)
 {
-    return runModal(
-        {.messageText = title, .informativeText = formatted(text), .buttons = titlesOf(buttons)});
+    return runModal({.messageText = title,
+                     .informativeText = formatted(text),
+                     .buttons = titlesOf(buttons),
+                     .isDefaultHarmless = buttons.isDefaultHarmless});
 }
 
 } // namespace nimbrel

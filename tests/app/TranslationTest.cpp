@@ -148,7 +148,8 @@ TEST_F(TranslationTest, EveryArgumentFindsItsPlaceInGerman)
     int count = 0;
     use("de");
     for (const Entry &entry : entries()) {
-        const qsizetype places = entry.key.count(u"%@"_qs) + entry.key.count(u"%d"_qs);
+        const qsizetype places =
+            entry.key.count(u"%@"_qs) + entry.key.count(u"%d"_qs) + entry.key.count(u"%ld"_qs);
         QStringList arguments;
         while (arguments.size() < places)
             arguments += QStringLiteral("<%1>").arg(arguments.size());
