@@ -649,5 +649,605 @@ WARNUNG: Die Datei .encfs6.xml in diesem Ordner ist eine Konfigurationsdatei, di
         <source>, and {count} more</source>
         <translation>, und {count} weitere</translation>
     </message>
+    <message>
+        <source>Keeps a folder encrypted in your cloud storage and shows it to you as an ordinary disk.
+
+Runs with Qt %@ and FUSE %@.
+
+Nimbrel is free software under the GNU General Public License, version 3. It comes without any warranty.</source>
+        <translation>Hält einen Ordner in Ihrem Cloud-Speicher verschlüsselt und zeigt ihn Ihnen als gewöhnliches Laufwerk.
+
+Läuft mit Qt %@ und FUSE %@.
+
+Nimbrel ist freie Software unter der GNU General Public License, Version 3. Es gibt keinerlei Gewährleistung.</translation>
+    </message>
+    <message>
+        <source>About Nimbrel</source>
+        <translation>Über Nimbrel</translation>
+    </message>
+    <message>
+        <source>Nimbrel %@</source>
+        <translation>Nimbrel %@</translation>
+    </message>
+    <message>
+        <source>It is no RSS.</source>
+        <translation>Es ist kein RSS.</translation>
+    </message>
+    <message>
+        <source>It has no channel.</source>
+        <translation>Es hat keinen Kanal.</translation>
+    </message>
+    <message>
+        <source>Line %ld: %@</source>
+        <translation>Zeile %ld: %@</translation>
+    </message>
+    <message>
+        <source>Too many elements lie in one another.</source>
+        <translation>Zu viele Elemente liegen ineinander.</translation>
+    </message>
+    <message>
+        <source>Nimbrel is running and doesn&apos;t answer. End it, then try again.</source>
+        <translation>Nimbrel läuft und antwortet nicht. Beenden Sie es und versuchen Sie es dann erneut.</translation>
+    </message>
+    <message>
+        <source>This file could not be located in any of the mounted Nimbrel disks.</source>
+        <translation>Diese Datei wurde auf keinem der eingehängten Nimbrel-Laufwerke gefunden.</translation>
+    </message>
+    <message>
+        <source>File not found!</source>
+        <translation>Datei nicht gefunden!</translation>
+    </message>
+    <message>
+        <source>Nimbrel is running in another session already (process %@). Quit it there first.</source>
+        <translation>Nimbrel läuft bereits in einer anderen Sitzung (Prozess %@). Beenden Sie es zuerst dort.</translation>
+    </message>
+    <message>
+        <source>&amp;Preferences…</source>
+        <translation>&amp;Einstellungen …</translation>
+    </message>
+    <message>
+        <source>&amp;About Nimbrel</source>
+        <translation>Ü&amp;ber Nimbrel</translation>
+    </message>
+    <message>
+        <source>&amp;Quit Nimbrel</source>
+        <translation>Nimbrel &amp;beenden</translation>
+    </message>
+    <message>
+        <source>Nimbrel: no disk is mounted</source>
+        <translation>Nimbrel: kein Laufwerk eingehängt</translation>
+    </message>
+    <message>
+        <source>Nimbrel: mounted: %@</source>
+        <translation>Nimbrel: eingehängt: %@</translation>
+    </message>
+    <message>
+        <source>&amp;Nimbrel</source>
+        <translation>&amp;Nimbrel</translation>
+    </message>
+    <message>
+        <source>New Volume…</source>
+        <translation>Neues Laufwerk …</translation>
+    </message>
+    <message>
+        <source>Open %@</source>
+        <translation>%@ öffnen</translation>
+    </message>
+    <message>
+        <source>Unmount %@</source>
+        <translation>%@ aushängen</translation>
+    </message>
+    <message>
+        <source>Mount %@</source>
+        <translation>%@ einhängen</translation>
+    </message>
+    <message>
+        <source>Still in use: %@. Programs that have files open there can&apos;t save them any more when Nimbrel quits.</source>
+        <translation>Noch in Gebrauch: %@. Programme, die dort Dateien geöffnet haben, können sie nicht mehr sichern, wenn Nimbrel beendet wird.</translation>
+    </message>
+    <message>
+        <source>Do you really want to quit Nimbrel?</source>
+        <translation>Möchten Sie Nimbrel wirklich beenden?</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Beenden</translation>
+    </message>
+    <message>
+        <source>&quot;%@&quot; is no folder on this computer.</source>
+        <translation>„%@“ ist kein Ordner auf diesem Computer.</translation>
+    </message>
+    <message>
+        <source>Disks are unmounted</source>
+        <translation>Laufwerke werden ausgehängt</translation>
+    </message>
+    <message>
+        <source>There is no newer version than %@, which you have.</source>
+        <translation>Es gibt keine neuere Version als %@, die Sie haben.</translation>
+    </message>
+    <message>
+        <source>Nimbrel is up to date.</source>
+        <translation>Nimbrel ist auf dem neuesten Stand.</translation>
+    </message>
+    <message>
+        <source>Nimbrel could not look for updates.</source>
+        <translation>Nimbrel konnte nicht nach Updates suchen.</translation>
+    </message>
+    <message>
+        <source>A disk with a synchronised folder doesn&apos;t answer, so %@ was not asked. Reconnect or unmount network disks, then try again.</source>
+        <translation>Ein Laufwerk mit einem abgeglichenen Ordner antwortet nicht, deshalb wurde %@ nicht gefragt. Verbinden Sie Netzlaufwerke neu oder hängen Sie sie aus und versuchen Sie es dann erneut.</translation>
+    </message>
+    <message>
+        <source>%@ can&apos;t be reached. Check that this computer is online, then try again.</source>
+        <translation>%@ ist nicht erreichbar. Prüfen Sie, ob dieser Computer online ist, und versuchen Sie es dann erneut.</translation>
+    </message>
+    <message>
+        <source>%@ didn&apos;t answer in time. Try again later.</source>
+        <translation>%@ hat nicht rechtzeitig geantwortet. Versuchen Sie es später erneut.</translation>
+    </message>
+    <message>
+        <source>No secure connection to %@ is possible, so nothing was asked: %@. Check this computer&apos;s date, and whether the network wants you to sign in first, then try again.</source>
+        <translation>Eine sichere Verbindung zu %@ ist nicht möglich, deshalb wurde nichts gefragt: %@. Prüfen Sie das Datum dieses Computers und ob das Netzwerk erst eine Anmeldung verlangt, und versuchen Sie es dann erneut.</translation>
+    </message>
+    <message>
+        <source>%@ sent the request on too often, or to a place that isn&apos;t secure, where nothing was asked. Try again later.</source>
+        <translation>%@ hat die Anfrage zu oft weitergeleitet oder an einen unsicheren Ort, wo nichts gefragt wurde. Versuchen Sie es später erneut.</translation>
+    </message>
+    <message>
+        <source>%@ answered with the error %@. Try again later.</source>
+        <translation>%@ antwortete mit dem Fehler %@. Versuchen Sie es später erneut.</translation>
+    </message>
+    <message>
+        <source>%@ sent more than a list of versions ever has. Check whether the network wants you to sign in first, then try again.</source>
+        <translation>%@ schickte mehr, als eine Liste von Versionen je hat. Prüfen Sie, ob das Netzwerk erst eine Anmeldung verlangt, und versuchen Sie es dann erneut.</translation>
+    </message>
+    <message>
+        <source>%@ didn&apos;t send a list of versions (%@). Check whether the network wants you to sign in first, then try again.</source>
+        <translation>%@ schickte keine Liste von Versionen (%@). Prüfen Sie, ob das Netzwerk erst eine Anmeldung verlangt, und versuchen Sie es dann erneut.</translation>
+    </message>
+    <message>
+        <source>The connection to %@ failed: %@. Try again later.</source>
+        <translation>Die Verbindung zu %@ ist gescheitert: %@. Versuchen Sie es später erneut.</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Path</source>
+        <translation>Pfad</translation>
+    </message>
+    <message>
+        <source>Please select a Nimbrel Folder from the list or browse for a custom one.</source>
+        <translation>Bitte wählen Sie einen Nimbrel-Ordner aus der Liste oder suchen Sie selbst einen.</translation>
+    </message>
+    <message>
+        <source>Choose a Nimbrel Folder</source>
+        <translation>Nimbrel-Ordner wählen</translation>
+    </message>
+    <message>
+        <source>No Nimbrel Folders were found here. Use “Other…” to browse.</source>
+        <translation>Hier wurden keine Nimbrel-Ordner gefunden. Mit „Anderer …“ suchen Sie selbst.</translation>
+    </message>
+    <message>
+        <source>1 Nimbrel Folder was found here.</source>
+        <translation>1 Nimbrel-Ordner wurde hier gefunden.</translation>
+    </message>
+    <message>
+        <source>%@ Nimbrel Folders were found here.</source>
+        <translation>%@ Nimbrel-Ordner wurden hier gefunden.</translation>
+    </message>
+    <message>
+        <source>Looking for Nimbrel Folders in %@…</source>
+        <translation>Suche nach Nimbrel-Ordnern in %@ …</translation>
+    </message>
+    <message>
+        <source>A volume with this Nimbrel Folder already exists.</source>
+        <translation>Ein Laufwerk mit diesem Nimbrel-Ordner gibt es bereits.</translation>
+    </message>
+    <message>
+        <source>This build of Nimbrel has no address in the App Store.</source>
+        <translation>Diese Fassung von Nimbrel hat keine Adresse im App Store.</translation>
+    </message>
+    <message>
+        <source>This build of Nimbrel has no address in Google Play.</source>
+        <translation>Diese Fassung von Nimbrel hat keine Adresse bei Google Play.</translation>
+    </message>
+    <message>
+        <source>This build of Nimbrel has no addresses in these stores. Whoever builds it can give it some.</source>
+        <translation>Diese Fassung von Nimbrel hat keine Adressen in diesen Läden. Wer sie baut, kann ihr welche geben.</translation>
+    </message>
+    <message>
+        <source>Never checked for updates yet!</source>
+        <translation>Noch nie nach Updates gesucht!</translation>
+    </message>
+    <message>
+        <source>Last check was on </source>
+        <translation>Zuletzt gesucht am </translation>
+    </message>
+    <message>
+        <source>This build of Nimbrel has no address for updates, so it never asks for them.</source>
+        <translation>Diese Fassung von Nimbrel hat keine Adresse für Updates und fragt deshalb nie danach.</translation>
+    </message>
+    <message>
+        <source>Nimbrel asks %@ for updates, at most once a day. It tells its version and whether you want test versions, a number that stands for this computer (a digest), whether this is its first start, how many disks you have, whether file names are encrypted, and which of the known cloud services hold your folders. It tells no names, no paths and no passwords.</source>
+        <translation>Nimbrel fragt %@ nach Updates, höchstens einmal am Tag. Es nennt seine Version und ob Sie Testversionen wünschen, eine Zahl, die für diesen Computer steht (eine Prüfsumme), ob dies sein erster Start ist, wie viele Laufwerke Sie haben, ob Dateinamen verschlüsselt sind und bei welchen der bekannten Cloud-Dienste Ihre Ordner liegen. Es nennt keine Namen, keine Pfade und keine Passwörter.</translation>
+    </message>
+    <message>
+        <source>The entry in the folder “autostart” of your settings folder couldn&apos;t be written. Please check that this folder can be written and that the disk isn&apos;t full, and try again.</source>
+        <translation>Der Eintrag im Ordner „autostart“ Ihres Einstellungsordners konnte nicht geschrieben werden. Bitte prüfen Sie, ob dieser Ordner beschreibbar und der Datenträger nicht voll ist, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>Nimbrel won&apos;t start when you log in.</source>
+        <translation>Nimbrel wird bei der Anmeldung nicht starten.</translation>
+    </message>
+    <message>
+        <source>Nimbrel will still start when you log in.</source>
+        <translation>Nimbrel wird bei der Anmeldung weiterhin starten.</translation>
+    </message>
+    <message>
+        <source>%@
+
+They are in force until Nimbrel quits. Please check that your settings folder can be written and that the disk isn&apos;t full, and close the preferences once more.</source>
+        <translation>%@
+
+Sie gelten, bis Nimbrel beendet wird. Bitte prüfen Sie, ob Ihr Einstellungsordner beschreibbar und der Datenträger nicht voll ist, und schließen Sie die Einstellungen noch einmal.</translation>
+    </message>
+    <message>
+        <source>The preferences couldn&apos;t be saved.</source>
+        <translation>Die Einstellungen konnten nicht gesichert werden.</translation>
+    </message>
+    <message>
+        <source>Show Encrypted File</source>
+        <translation>Verschlüsselte Datei zeigen</translation>
+    </message>
+    <message>
+        <source>%@
+
+Please open the preferences and try again when this has been put right.</source>
+        <translation>%@
+
+Bitte öffnen Sie die Einstellungen und versuchen Sie es erneut, wenn das behoben ist.</translation>
+    </message>
+    <message>
+        <source>The menus of file managers couldn&apos;t be changed.</source>
+        <translation>Die Menüs der Dateimanager konnten nicht geändert werden.</translation>
+    </message>
+    <message>
+        <source>Version %@ can be downloaded. You have version %@.</source>
+        <translation>Version %@ kann heruntergeladen werden. Sie haben Version %@.</translation>
+    </message>
+    <message>
+        <source>Version %@ of %@ can be downloaded. You have version %@.</source>
+        <translation>Version %@ vom %@ kann heruntergeladen werden. Sie haben Version %@.</translation>
+    </message>
+    <message>
+        <source>A new version of Nimbrel is available.</source>
+        <translation>Eine neue Version von Nimbrel ist da.</translation>
+    </message>
+    <message>
+        <source>Nimbrel will not create the Nimbrel volume and you will not be able to encrypt or decrypt files. Please create or open an encrypted folder in order to secure your private files with Nimbrel.
+
+Do you really want to close this window?</source>
+        <translation>Nimbrel wird kein Nimbrel-Laufwerk anlegen, und Sie können keine Dateien ver- oder entschlüsseln. Bitte erstellen oder öffnen Sie einen verschlüsselten Ordner, um Ihre privaten Dateien mit Nimbrel zu schützen.
+
+Möchten Sie dieses Fenster wirklich schließen?</translation>
+    </message>
+    <message>
+        <source>You did not choose any encrypted folder.</source>
+        <translation>Sie haben keinen verschlüsselten Ordner gewählt.</translation>
+    </message>
+    <message>
+        <source>The encrypted folder does not exist.</source>
+        <translation>Der verschlüsselte Ordner existiert nicht.</translation>
+    </message>
+    <message>
+        <source>You can mount the volume always using the Nimbrel icon in the menu bar.</source>
+        <translation>Über das Nimbrel-Symbol in der Leiste können Sie das Laufwerk jederzeit einhängen.</translation>
+    </message>
+    <message>
+        <source>The Nimbrel Volume has not been mounted.</source>
+        <translation>Das Nimbrel-Laufwerk wurde nicht eingehängt.</translation>
+    </message>
+    <message>
+        <source>Edit Nimbrel Volume</source>
+        <translation>Nimbrel-Laufwerk bearbeiten</translation>
+    </message>
+    <message>
+        <source>Warning: Only the first volume will remain. All additional volumes will be unmounted and removed. They will NOT be deleted from your disk.</source>
+        <translation>Achtung: Nur das erste Laufwerk bleibt. Alle weiteren werden ausgehängt und von der Liste genommen. Sie werden NICHT von Ihrer Festplatte gelöscht.</translation>
+    </message>
+    <message>
+        <source>Are you sure that you want to switch to simple mode?</source>
+        <translation>Möchten Sie wirklich in den einfachen Modus wechseln?</translation>
+    </message>
+    <message>
+        <source>Only enable Advanced Mode if you need to modify advanced options and if you know what you do.</source>
+        <translation>Schalten Sie den erweiterten Modus nur ein, wenn Sie erweiterte Optionen ändern müssen und wissen, was Sie tun.</translation>
+    </message>
+    <message>
+        <source>Do you really want to enable Advanced Mode?</source>
+        <translation>Möchten Sie den erweiterten Modus wirklich einschalten?</translation>
+    </message>
+    <message>
+        <source>Continue to open this encrypted folder?</source>
+        <translation>Diesen verschlüsselten Ordner öffnen?</translation>
+    </message>
+    <message>
+        <source>Another Nimbrel Folder is already opened in Nimbrel. It will be ejected before this Nimbrel Folder will be opened.</source>
+        <translation>Ein anderer Nimbrel-Ordner ist bereits in Nimbrel geöffnet. Er wird ausgehängt, bevor dieser Nimbrel-Ordner geöffnet wird.</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation>Hinzufügen</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+    <message>
+        <source>Simple</source>
+        <translation>Einfach</translation>
+    </message>
+    <message>
+        <source>Advanced</source>
+        <translation>Erweitert</translation>
+    </message>
+    <message>
+        <source>Serve one encrypted folder only</source>
+        <translation>Nur einen verschlüsselten Ordner verwalten</translation>
+    </message>
+    <message>
+        <source>Serve several encrypted folders, with more options</source>
+        <translation>Mehrere verschlüsselte Ordner verwalten, mit mehr Optionen</translation>
+    </message>
+    <message>
+        <source>Create a new encrypted folder, or open one that exists.</source>
+        <translation>Erstellen Sie einen neuen verschlüsselten Ordner oder öffnen Sie einen vorhandenen.</translation>
+    </message>
+    <message>
+        <source>The folder is mounted.</source>
+        <translation>Der Ordner ist eingehängt.</translation>
+    </message>
+    <message>
+        <source>The folder is not mounted.</source>
+        <translation>Der Ordner ist nicht eingehängt.</translation>
+    </message>
+    <message>
+        <source>You will have to re-enter it the next time you want to open this encrypted folder.</source>
+        <translation>Sie müssen es beim nächsten Öffnen dieses verschlüsselten Ordners neu eingeben.</translation>
+    </message>
+    <message>
+        <source>Are you sure that you want to clear the password currently stored on this computer?</source>
+        <translation>Möchten Sie das auf diesem Computer gespeicherte Passwort wirklich löschen?</translation>
+    </message>
+    <message>
+        <source>Yes</source>
+        <translation>Ja</translation>
+    </message>
+    <message>
+        <source>No</source>
+        <translation>Nein</translation>
+    </message>
+    <message>
+        <source>The stored password was successfully cleared.</source>
+        <translation>Das gespeicherte Passwort wurde gelöscht.</translation>
+    </message>
+    <message>
+        <source>Mount</source>
+        <translation>Einhängen</translation>
+    </message>
+    <message>
+        <source>Unmount</source>
+        <translation>Aushängen</translation>
+    </message>
+    <message>
+        <source>Change Password…</source>
+        <translation>Passwort ändern …</translation>
+    </message>
+    <message>
+        <source>Clear Password</source>
+        <translation>Passwort löschen</translation>
+    </message>
+    <message>
+        <source>Edit…</source>
+        <translation>Bearbeiten …</translation>
+    </message>
+    <message>
+        <source>Show in File Manager</source>
+        <translation>Im Dateimanager zeigen</translation>
+    </message>
+    <message>
+        <source>It is being mounted or unmounted. Please wait until that has ended and try again.</source>
+        <translation>Es wird gerade ein- oder ausgehängt. Bitte warten Sie das ab und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>&quot;%@&quot; is busy.</source>
+        <translation>„%@“ ist beschäftigt.</translation>
+    </message>
+    <message>
+        <source>&amp;Open</source>
+        <translation>Ö&amp;ffnen</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+    <message>
+        <source>Choose one of the Nimbrel Folders found on this computer, or browse for it.</source>
+        <translation>Wählen Sie einen der auf diesem Computer gefundenen Nimbrel-Ordner, oder suchen Sie selbst.</translation>
+    </message>
+    <message>
+        <source>Nimbrel Folders</source>
+        <translation>Nimbrel-Ordner</translation>
+    </message>
+    <message>
+        <source>Looking for Nimbrel Folders</source>
+        <translation>Suche nach Nimbrel-Ordnern</translation>
+    </message>
+    <message>
+        <source>On phones and tablets, the mobile client opens the Nimbrel Folders that your cloud service brings there.</source>
+        <translation>Auf Telefonen und Tablets öffnet das mobile Programm die Nimbrel-Ordner, die Ihr Cloud-Dienst dorthin bringt.</translation>
+    </message>
+    <message>
+        <source>Download from the &amp;App Store</source>
+        <translation>Im &amp;App Store laden</translation>
+    </message>
+    <message>
+        <source>Download from &amp;Google Play</source>
+        <translation>Bei &amp;Google Play laden</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>&amp;Schließen</translation>
+    </message>
+    <message>
+        <source>Nimbrel for Mobile Devices</source>
+        <translation>Nimbrel für Mobilgeräte</translation>
+    </message>
+    <message>
+        <source>&amp;Start Nimbrel when I log in</source>
+        <translation>Nimbrel bei der &amp;Anmeldung starten</translation>
+    </message>
+    <message>
+        <source>Show mounted disks on the &amp;desktop</source>
+        <translation>Eingehängte Laufwerke auf dem &amp;Schreibtisch zeigen</translation>
+    </message>
+    <message>
+        <source>Put my &amp;user name before the names of disks</source>
+        <translation>Meinen &amp;Benutzernamen vor die Namen der Laufwerke setzen</translation>
+    </message>
+    <message>
+        <source>Add “Show Encrypted File” to the &amp;menus of file managers</source>
+        <translation>„Verschlüsselte Datei zeigen“ in die &amp;Menüs der Dateimanager setzen</translation>
+    </message>
+    <message>
+        <source>Check &amp;Now</source>
+        <translation>&amp;Jetzt suchen</translation>
+    </message>
+    <message>
+        <source>Preferences</source>
+        <translation>Einstellungen</translation>
+    </message>
+    <message>
+        <source>A link to each disk while it is mounted.</source>
+        <translation>Eine Verknüpfung zu jedem Laufwerk, solange es eingehängt ist.</translation>
+    </message>
+    <message>
+        <source>Tells the disks of several users of this computer apart. Mounted disks keep their names.</source>
+        <translation>Hält die Laufwerke mehrerer Benutzer dieses Computers auseinander. Eingehängte Laufwerke behalten ihren Namen.</translation>
+    </message>
+    <message>
+        <source>For a file on one of your disks: shows what it is called in its encrypted folder.</source>
+        <translation>Für eine Datei auf einem Ihrer Laufwerke: zeigt, wie sie in ihrem verschlüsselten Ordner heißt.</translation>
+    </message>
+    <message>
+        <source>Open &amp;Download Page</source>
+        <translation>Seite zum &amp;Herunterladen öffnen</translation>
+    </message>
+    <message>
+        <source>&amp;Later</source>
+        <translation>&amp;Später</translation>
+    </message>
+    <message>
+        <source>Nimbrel Update</source>
+        <translation>Nimbrel-Update</translation>
+    </message>
+    <message>
+        <source>What is new</source>
+        <translation>Was neu ist</translation>
+    </message>
+    <message>
+        <source>Encrypted folders</source>
+        <translation>Verschlüsselte Ordner</translation>
+    </message>
+    <message>
+        <source>There is no encrypted folder yet. Create a new one, or add one that exists: you can drop it here.</source>
+        <translation>Noch gibt es keinen verschlüsselten Ordner. Erstellen Sie einen neuen oder fügen Sie einen vorhandenen hinzu: Sie können ihn hierher ziehen.</translation>
+    </message>
+    <message>
+        <source>Toolbar</source>
+        <translation>Werkzeugleiste</translation>
+    </message>
+    <message>
+        <source>New</source>
+        <translation>Neu</translation>
+    </message>
+    <message>
+        <source>Create a new encrypted folder</source>
+        <translation>Einen neuen verschlüsselten Ordner erstellen</translation>
+    </message>
+    <message>
+        <source>Open an encrypted folder that exists</source>
+        <translation>Einen vorhandenen verschlüsselten Ordner öffnen</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>Entfernen</translation>
+    </message>
+    <message>
+        <source>Take the folder off this list; its files stay</source>
+        <translation>Den Ordner von dieser Liste nehmen; seine Dateien bleiben</translation>
+    </message>
+    <message>
+        <source>Show the folder decrypted</source>
+        <translation>Den Ordner entschlüsselt zeigen</translation>
+    </message>
+    <message>
+        <source>Close the decrypted folder</source>
+        <translation>Den entschlüsselten Ordner schließen</translation>
+    </message>
+    <message>
+        <source>Change Password</source>
+        <translation>Passwort ändern</translation>
+    </message>
+    <message>
+        <source>Give the mounted folder another password</source>
+        <translation>Dem eingehängten Ordner ein anderes Passwort geben</translation>
+    </message>
+    <message>
+        <source>Forget the password that is stored on this computer</source>
+        <translation>Das auf diesem Computer gespeicherte Passwort vergessen</translation>
+    </message>
+    <message>
+        <source>Nimbrel&apos;s settings</source>
+        <translation>Einstellungen von Nimbrel</translation>
+    </message>
+    <message>
+        <source>Mobile</source>
+        <translation>Mobil</translation>
+    </message>
+    <message>
+        <source>Nimbrel for phones and tablets</source>
+        <translation>Nimbrel für Telefone und Tablets</translation>
+    </message>
+    <message>
+        <source>Change the mode</source>
+        <translation>Den Modus wechseln</translation>
+    </message>
+    <message>
+        <source>Your files lie encrypted in this folder. While it is mounted, you work with them on the Nimbrel volume.</source>
+        <translation>In diesem Ordner liegen Ihre Dateien verschlüsselt. Ist er eingehängt, arbeiten Sie mit ihnen auf dem Nimbrel-Laufwerk.</translation>
+    </message>
+    <message>
+        <source>Encrypted folder</source>
+        <translation>Verschlüsselter Ordner</translation>
+    </message>
+    <message>
+        <source>No encrypted folder yet</source>
+        <translation>Noch kein verschlüsselter Ordner</translation>
+    </message>
+    <message>
+        <source>&amp;Show in File Manager</source>
+        <translation>Im &amp;Dateimanager zeigen</translation>
+    </message>
+    <message>
+        <source>mounted</source>
+        <translation>eingehängt</translation>
+    </message>
+    <message>
+        <source>not mounted</source>
+        <translation>nicht eingehängt</translation>
+    </message>
 </context>
 </TS>

@@ -23,9 +23,19 @@ class DeskApplication final : public NBApplication
 {
 public:
     [[nodiscard]] bool advancedMode() const override { return isAdvanced; }
+    void setAdvancedMode(bool advanced) override { isAdvanced = advanced; }
     [[nodiscard]] NBVolumesController &volumesController() override { return *controller; }
+    bool application(const QString &openFile) override
+    {
+        handedOver.push_back(openFile);
+        return true;
+    }
+    [[nodiscard]] QString openFile() const override { return file; }
+    void setOpenFile(const QString &path) override { file = path; }
 
     bool isAdvanced = false;
+    QStringList handedOver;
+    QString file;
     std::unique_ptr<NBVolumesController> controller;
 };
 

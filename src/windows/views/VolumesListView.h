@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QListView>
+
+namespace nimbrel {
+
+// A list of volumes, one of which may be selected. Says what to do while it is empty.
+class VolumesListView final : public QListView
+{
+    Q_OBJECT
+
+public:
+    explicit VolumesListView(QWidget *parent);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+};
+
+} // namespace nimbrel
