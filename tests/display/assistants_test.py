@@ -6,7 +6,7 @@ import subprocess
 import unittest
 from pathlib import Path
 
-from desk import Desk
+from session_desk import SessionDesk
 
 PASSWORD = "seven Otters balance 1 piano"
 
@@ -23,7 +23,7 @@ class AssistantTest(unittest.TestCase):
     ADVANCED = False
 
     def setUp(self):
-        self.desk = Desk(advanced=self.ADVANCED)
+        self.desk = SessionDesk(advanced=self.ADVANCED)
         self.addCleanup(self.desk.close)
         self.documents = self.desk.home / "Documents"
         self.desk.start_session()

@@ -1,50 +1,59 @@
 """A real desktop for one test: display, window manager, session bus, keyring, home folder."""
 
-import collections
 import os
-import queue
 import shutil
 import subprocess
 import tempfile
-import threading
 import time
 from pathlib import Path
+
+from lines import PATIENCE, Lines
 
 # What a GNOME desktop of this Debian writes in; without a desktop it would be another font.
 FONTS = """<?xml version="1.0"?><!DOCTYPE fontconfig SYSTEM "fonts.dtd"><fontconfig>
 <match target="pattern"><edit name="family" mode="prepend" binding="strong"><string>Cantarell</string>
 </edit></match></fontconfig>
 """
-PATIENCE = 60  # seconds; the machine may be loaded
+BUS = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd"><busconfig><type>session</type>
+<listen>unix:path={path}</listen><policy context="default"><allow send_destination="*"
+eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/></policy></busconfig>
+"""
+SANITIZERS = ("ASAN_", "LSAN_", "TSAN_", "UBSAN_")
+# Debian's own, which has the modules dbus and gi; another one may stand before it in the path.
+SYSTEM_PYTHON = "/usr/bin/python3"
 
 
 class Desk:
     """Everything in a temporary home folder; close() ends it all and unmounts what is left."""
 
-    def __init__(self, language="en", scale=1, dark=False, advanced=False, screen="1280x900x24"):
-        self.options = ["--language", language]
-        self.options += ["--dark"] if dark else []
-        self.options += ["--advanced"] if advanced else []
+    def __init__(self, scale=1, screen="1280x900x24", bus=True, keyring=True):
         self.folder = Path(tempfile.mkdtemp(prefix="nimbrel-display-"))
         self.home = self.folder / "home"
         self.programs = []
-        self.session = None
-        self.lines = queue.Queue()
-        self.waiting = collections.deque()  # lines that nobody has asked for yet
-        self.seen = []
+        self.lines = None  # of the program at which the person sits
         try:
-            self._start(scale, screen)
+            self._make_home()
+            self._set_environment(scale)
+            self._start_display(screen)
+            if bus:
+                self._start_bus()
+            if bus and keyring:
+                self.start_keyring()
+            self._start_window_manager()
         except BaseException:
             self.close()
             raise
 
-    def _start(self, scale, screen):
+    def _make_home(self):
         for name in ("Documents", "Desktop", ".config", ".local/state", ".local/share", ".cache"):
             (self.home / name).mkdir(parents=True)
         (self.folder / "run").mkdir(mode=0o700)
         fonts = self.home / ".config/fontconfig/fonts.conf"
         fonts.parent.mkdir()
         fonts.write_text(FONTS, encoding="utf-8")
+
+    def _set_environment(self, scale):
         self.environment = {
             "PATH": "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin",
             "HOME": str(self.home), "XDG_CONFIG_HOME": str(self.home / ".config"),
@@ -52,30 +61,35 @@ class Desk:
             "XDG_DATA_HOME": str(self.home / ".local/share"),
             "XDG_CACHE_HOME": str(self.home / ".cache"),
             "XDG_RUNTIME_DIR": str(self.folder / "run"), "LC_ALL": "C.UTF-8",
+            "DBUS_SESSION_BUS_ADDRESS": f"unix:path={self.folder}/run/bus",
             "QT_QPA_PLATFORM": "xcb", "QT_SCALE_FACTOR": str(scale), "NO_AT_BRIDGE": "1",
-            "NIMBREL_RESOURCES": os.environ["NIMBREL_RESOURCES"],
-            **{name: value for name, value in os.environ.items() if name.startswith("ASAN_")},
+            **{name: value for name, value in os.environ.items() if name.startswith(SANITIZERS)},
         }
-        self._start_display(screen)
-        self._start_bus()
-        self._start_keyring()
-        self._start_window_manager()
 
-    def _run(self, *command, **options):
-        with open(self.folder / f"{Path(command[0]).name}.log", "a", encoding="utf-8") as log:
-            program = subprocess.Popen(command, env=self.environment, text=True, stderr=log,
-                                       **options)
+    def run(self, *command, environment=None, log=None, **options):
+        """Starts a program of this desk; what it complains of is its log."""
+        with open(self._log(log or Path(command[0]).name), "a", encoding="utf-8") as complaints:
+            program = subprocess.Popen(list(map(str, command)), text=True, stderr=complaints,
+                                       env=environment or self.environment, **options)
         self.programs.append(program)
         return program
 
+    def _log(self, name):
+        return self.folder / f"{name}.log"
+
     def log(self, name):
-        path = self.folder / f"{name}.log"
+        """The end of what a program has complained of."""
+        path = self._log(name)
         return path.read_text(errors="replace")[-2000:] if path.exists() else ""
+
+    def output(self, name):
+        """What a program that start_application started has written."""
+        return (self.folder / f"{name}.out").read_text(encoding="utf-8", errors="replace")
 
     def _start_display(self, screen):
         reading, writing = os.pipe()
-        display = self._run("Xvfb", "-displayfd", str(writing), "-screen", "0", screen, "-nolisten",
-                            "tcp", "-noreset", pass_fds=[writing], stdout=subprocess.DEVNULL)
+        display = self.run("Xvfb", "-displayfd", str(writing), "-screen", "0", screen, "-nolisten",
+                           "tcp", "-noreset", pass_fds=[writing], stdout=subprocess.DEVNULL)
         os.close(writing)
         with os.fdopen(reading) as answer:
             number = answer.readline().strip()
@@ -90,93 +104,67 @@ class Desk:
 
     def _start_bus(self):
         configuration = self.folder / "bus.conf"
-        configuration.write_text(
-            '<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN" '
-            '"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd"><busconfig>'
-            f"<type>session</type><listen>unix:path={self.folder}/run/bus</listen>"
-            '<policy context="default"><allow send_destination="*" eavesdrop="true"/>'
-            '<allow eavesdrop="true"/><allow own="*"/></policy></busconfig>')
-        bus = self._run("dbus-daemon", f"--config-file={configuration}", "--nofork",
-                        "--print-address", stdout=subprocess.PIPE)
+        configuration.write_text(BUS.format(path=self.folder / "run/bus"))
+        bus = self.run("dbus-daemon", f"--config-file={configuration}", "--nofork",
+                       "--print-address", stdout=subprocess.PIPE)
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = bus.stdout.readline().strip()
 
-    def _start_keyring(self):
-        keyring = self._run("gnome-keyring-daemon", "--foreground", "--unlock",
-                            "--components=secrets", stdin=subprocess.PIPE,
-                            stdout=subprocess.DEVNULL)
+    def start_keyring(self):
+        keyring = self.run("gnome-keyring-daemon", "--foreground", "--unlock",
+                           "--components=secrets", stdin=subprocess.PIPE,
+                           stdout=subprocess.DEVNULL)
         keyring.stdin.write("\n")  # its password; without a line it would ask
         keyring.stdin.close()
-        self.until(lambda: "org.freedesktop.secrets" in self._bus_names(), "the keyring")
+        self.until(lambda: "org.freedesktop.secrets" in self.bus_names(), "the keyring")
 
-    def _bus_names(self):
-        return subprocess.run(["dbus-send", "--session", "--print-reply", "--dest=org.freedesktop.DBus",
-                               "/", "org.freedesktop.DBus.ListNames"], env=self.environment,
-                              capture_output=True, text=True, check=False).stdout
+    def bus_names(self):
+        return self.tool("dbus-send", "--session", "--print-reply", "--dest=org.freedesktop.DBus",
+                         "/", "org.freedesktop.DBus.ListNames", check=False)
 
     def _start_window_manager(self):
-        self._run("openbox", "--sm-disable")
+        self.run("openbox", "--sm-disable", stdout=subprocess.DEVNULL)
         self.until(lambda: self._has("xdotool", "getactivewindow") or "window id" in
                    self.tool("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), "the window manager")
 
     def until(self, condition, what, patience=PATIENCE):
-        """Waits until `condition` holds."""
+        """Waits until `condition` holds, and returns what it says."""
         end = time.monotonic() + patience
-        while not condition():
+        while not (result := condition()):
             if time.monotonic() > end:
-                raise TimeoutError(f"{what} didn't come; so far: {self._story()}")
+                raise TimeoutError(f"{what} didn't come; so far: {self.story()}")
             time.sleep(0.05)
+        return result
 
     def tool(self, *command, check=True):
-        return subprocess.run(command, env=self.environment, capture_output=True, text=True,
-                              check=check, timeout=PATIENCE).stdout
+        return subprocess.run(list(map(str, command)), env=self.environment, capture_output=True,
+                              text=True, check=check, timeout=PATIENCE).stdout
 
-    # The session and its person.
+    # The person.
 
-    def _story(self):
-        """What happened, for a failed test's report."""
-        self._quiet()
-        self.seen += self.waiting
-        return f"{self.seen[-20:]}\n{self.log('nimbrel_session')}"
+    @property
+    def seen(self):
+        return self.lines.seen
 
-    def start_session(self):
-        self.session = self._run(os.environ["NIMBREL_SESSION"], *self.options,
-                                 stdin=subprocess.PIPE, stdout=subprocess.PIPE)
-        threading.Thread(target=self._read, args=[self.session], daemon=True).start()
-        self.expect("ready")
+    def story(self):
+        return self.lines.story() if self.lines else "nothing was started"
 
-    def _read(self, session):
-        for line in session.stdout:
-            self.lines.put(line.rstrip("\n"))
-
-    def say(self, *words):
-        self.session.stdin.write("\t".join(map(str, words)) + "\n")
-        self.session.stdin.flush()
-
-    def expect(self, what, which=None):
+    def expect(self, what, which=None, patience=PATIENCE):
         """Waits for a line; what came before it is passed over. Returns its second word."""
-        end = time.monotonic() + PATIENCE
-        while True:
-            try:
-                line = (self.waiting.popleft() if self.waiting
-                        else self.lines.get(timeout=max(0.01, end - time.monotonic())))
-            except queue.Empty:
-                raise AssertionError(f"no {what} {which}; came: {self._story()}") from None
-            self.seen.append(line)
-            word, _, rest = line.partition("\t")
-            if word == what and (which is None or rest == which or
-                                 (which.endswith("*") and rest.startswith(which[:-1]))):
-                return rest
+        return self.lines.expect(what, which, patience)
 
-    def _quiet(self):
-        """Windows come and go for a moment before one keeps the keyboard."""
-        while True:
-            try:
-                self.waiting.append(self.lines.get(timeout=0.3))
-            except queue.Empty:
-                return
+    def expect_none(self, what, seconds=1):
+        """No such line comes for a while, nor stands among those that nobody asked for."""
+        time.sleep(seconds)
+        came = [line for line in self.lines.all() if line.partition("\t")[0] == what]
+        if came:
+            raise AssertionError(f"unexpected: {came}; before: {self.story()}")
+
+    def quiet(self):
+        if self.lines:
+            self.lines.quiet()
 
     def key(self, *keys):
-        self._quiet()
+        self.quiet()
         self.tool("xdotool", "key", "--delay", "30", *keys)
 
     def tab_to(self, control):
@@ -185,14 +173,13 @@ class Desk:
         while control not in passed:
             if len(passed) > 20:
                 raise AssertionError(f"Tab doesn't reach {control}: {passed}")
-            self._quiet()
-            self.waiting = collections.deque(
-                line for line in self.waiting if not line.startswith("focus"))
+            self.quiet()
+            self.lines.forget("focus")
             self.key("Tab")
             passed.append(self.expect("focus", "*"))
 
     def type(self, text):
-        self._quiet()
+        self.quiet()
         self.tool("xdotool", "type", "--delay", "15", text)
 
     def picture(self, path):
@@ -202,23 +189,12 @@ class Desk:
         path.parent.mkdir(parents=True, exist_ok=True)
         self.tool("import", "-window", window, str(path))
 
-    def end_session(self):
-        """Quits as the application would; its disks end with it."""
-        if self.session is None:
-            return
-        if self.session.poll() is None:
-            self.session.stdin.close()
-        status = self.session.wait(timeout=PATIENCE)
-        self.session = None
-        if status != 0:
-            raise AssertionError(f"the session ended with {status}: {self._story()}")
-
     def mounts(self):
         return [line.split(" ")[4] for line in Path("/proc/self/mountinfo").read_text().splitlines()
                 if line.split(" ")[4].startswith(str(self.folder))]
 
     @staticmethod
-    def _end(program):
+    def end(program):
         program.terminate()
         try:
             program.wait(timeout=10)
@@ -230,11 +206,41 @@ class Desk:
                 pipe.close()
 
     def close(self):
-        try:
-            self.end_session()
-        finally:
-            for program in reversed(self.programs):
-                self._end(program)
-            for mount in self.mounts():
-                subprocess.run(["fusermount3", "-u", "-z", mount], check=False)
-            shutil.rmtree(self.folder, ignore_errors=True)
+        for program in reversed(self.programs):
+            self.end(program)
+        for mount in self.mounts():
+            subprocess.run(["fusermount3", "-u", "-z", mount], check=False)
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+
+class Conversation:
+    """A program with which a test talks: commands in, lines out."""
+
+    def __init__(self, desk, *command, log=None):
+        self.desk = desk
+        name = log or Path(command[0]).name
+        self.program = desk.run(*command, log=name, stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+        self.lines = Lines(self.program.stdout, lambda: desk.log(name))
+        self.lines.expect("ready")
+
+    def say(self, *words):
+        self.program.stdin.write("\t".join(map(str, words)) + "\n")
+        self.program.stdin.flush()
+
+    def ask(self, *words):
+        self.say(*words)
+        return self.lines.answer()
+
+    def expect(self, what, which=None, patience=PATIENCE):
+        return self.lines.expect(what, which, patience)
+
+    def stop(self):
+        self.desk.end(self.program)
+
+
+class Service(Conversation):
+    """A part of the desktop on the session bus; services/NAME_main.py."""
+
+    def __init__(self, desk, name, *arguments):
+        program = Path(__file__).with_name("services") / f"{name}_main.py"
+        super().__init__(desk, SYSTEM_PYTHON, "-B", program, *arguments, log=name)

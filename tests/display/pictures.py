@@ -9,7 +9,7 @@ import time
 from pathlib import Path
 
 from assistants_test import PASSWORD, nimbrelctl
-from desk import Desk
+from session_desk import SessionDesk
 
 
 class Photographer:
@@ -18,8 +18,8 @@ class Photographer:
         self.cut = []
 
     def desk(self, advanced=False):
-        return Desk(self.language, self.scale, self.look == "dark", advanced,
-                    f"{1300 * self.scale}x{1000 * self.scale}x24")
+        return SessionDesk(self.language, self.scale, self.look == "dark", advanced,
+                           f"{1300 * self.scale}x{1000 * self.scale}x24")
 
     def take(self, desk, page):
         desk.picture(self.folder / f"{page}-{self.language}-{self.look}-{self.scale}.png")

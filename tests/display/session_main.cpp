@@ -3,8 +3,8 @@
 // Standard input says what to do, one command a line, its words apart by tabs:
 //   welcome / new / change / mount / add PATH / unmount / open-options / check-layout / quit
 // Standard output says what happens:
-//   ready, window TITLE, page NAME, focus NAME, alert TEXT, mounted PATH, unmounted PATH, done
-//   NAME, cut NAME (a control of the active window that has too little room for its text)
+//   ready, what observer/Observer.h tells, mounted PATH, unmounted PATH, done NAME, cut NAME (a
+//   control of the active window that has too little room for its text)
 //
 // session [--advanced] [--dark] [--language NAME]
 #include "app/NBApplication.h"
@@ -18,6 +18,8 @@
 #include "assistants/flows/ChangePassphrase.h"
 #include "assistants/flows/WelcomeFlow.h"
 #include "fs/MountKeeper.h"
+#include "observer/Facts.h"
+#include "observer/Observer.h"
 #include "platform/DesktopBookmarks.h"
 #include "platform/DesktopWorkspace.h"
 #include "platform/Resources.h"
@@ -27,11 +29,8 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QEvent>
-#include <QMessageBox>
 #include <QSocketNotifier>
 #include <QTimer>
-#include <QToolButton>
 
 #include <cstdio>
 #include <functional>
@@ -43,60 +42,13 @@ namespace nimbrel {
 
 namespace {
 
+// `which` has no line breaks.
 void say(const QString &what, const QString &which = {})
 {
-    QString text = which.isNull() ? what : what + u'\t' + which;
-    const QByteArray line = text.replace(u'\n', u' ').toUtf8() + '\n';
+    const QString text = which.isNull() ? what : what + u'\t' + which;
+    const QByteArray line = text.toUtf8() + '\n';
     std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stdout);
     std::fflush(stdout);
-}
-
-// Tells which window came up and which control has the keyboard.
-class Observer final : public QObject
-{
-public:
-    bool eventFilter(QObject *object, QEvent *event) override
-    {
-        if (event->type() == QEvent::WindowActivate)
-            tellWindow(object);
-        else if (event->type() == QEvent::FocusIn && object->isWidgetType())
-            say(QStringLiteral("focus"), nameOf(*object));
-        return false;
-    }
-
-private:
-    static QString nameOf(const QObject &object)
-    {
-        return object.objectName().isEmpty() ? QString::fromLatin1(object.metaObject()->className())
-                                             : object.objectName();
-    }
-
-    static void tellWindow(QObject *object)
-    {
-        auto *window = qobject_cast<QWidget *>(object);
-        if (window == nullptr || !window->isWindow())
-            return;
-        if (const auto *box = qobject_cast<QMessageBox *>(window))
-            say(QStringLiteral("alert"), box->text());
-        else
-            say(QStringLiteral("window"), window->windowTitle());
-    }
-};
-
-bool isCut(const QWidget &control)
-{
-    if (control.hasHeightForWidth())
-        return control.height() < control.heightForWidth(control.width());
-    const QSize needed = control.minimumSizeHint();
-    return control.width() < needed.width() || control.height() < needed.height();
-}
-
-void tellCutControls(const QWidget &window)
-{
-    for (const QWidget *control : window.findChildren<QWidget *>())
-        if (control->isVisible() && !qobject_cast<const QToolButton *>(control) && isCut(*control))
-            say(QStringLiteral("cut"),
-                control->objectName() + u' ' + QLatin1String(control->metaObject()->className()));
 }
 
 class UserInterface final : public NBAssistantsUserInterface
@@ -121,7 +73,11 @@ public:
     }
 
     [[nodiscard]] bool advancedMode() const override { return _advanced; }
+    void setAdvancedMode(bool isAdvanced) override { _advanced = isAdvanced; }
     [[nodiscard]] NBVolumesController &volumesController() override { return *_controller; }
+    bool application(const QString & /*openFile*/) override { return true; }
+    [[nodiscard]] QString openFile() const override { return {}; }
+    void setOpenFile(const QString & /*path*/) override {}
 
     void perform(const QStringList &words)
     {
@@ -167,8 +123,9 @@ private:
         };
         _commands[QStringLiteral("open-options")] = [this](Words) { showOptions(); };
         _commands[QStringLiteral("check-layout")] = [](Words) {
-            if (QWidget *window = QApplication::activeWindow())
-                tellCutControls(*window);
+            if (const QWidget *window = QApplication::activeWindow())
+                for (const QString &control : observer::cutControls(*window))
+                    say(QStringLiteral("cut"), control);
         };
         _commands[QStringLiteral("quit")] = [](Words) { QApplication::quit(); };
     }
@@ -240,7 +197,7 @@ int runSession(QApplication &application, MountKeeper &keeper)
                                          : appearance::ColorScheme::Light);
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setWindowIcon(icons::named(QStringLiteral("NSApplicationIcon")));
-    Observer observer;
+    observer::Observer observer(&say);
     application.installEventFilter(&observer);
     Session session(parser.isSet(advanced), keeper);
     const CommandInput input(session);

@@ -1,0 +1,62 @@
+"""What earlier runs of the program left behind: folders, the list of volumes, stored passwords."""
+
+import plistlib
+import subprocess
+
+from assistants_test import PASSWORD, nimbrelctl
+from readers import set_preferences
+
+
+class Volume:
+    """One on the list: its folder lies in Documents, its disk comes to Volumes/LABEL."""
+
+    def __init__(self, desk, label, automount=True, stored=True, options=(), inside="Documents"):
+        self.desk, self.label = desk, label
+        self.automount, self.stored = automount, stored
+        self.folder = desk.home / inside / f"{label}.nmc"
+        self.disk = desk.home / "Volumes" / label
+        nimbrelctl("create", self.folder, *options, password=PASSWORD)
+
+    @property
+    def is_mounted(self):
+        return str(self.disk) in self.desk.mounts()
+
+    def record(self):
+        return {"version": 1, "root": str(self.folder), "label": self.label,
+                "configPath": str(next(self.folder.glob(".*.xml"))),
+                "storePassword": self.stored, "automount": self.automount, "checkKey": True,
+                "spotlight": False, "local": False, "allowsAll": False}
+
+    def store_password(self):
+        subprocess.run(["secret-tool", "store", f"--label={self.label}", "service",
+                        f"Nimbrel: {self.label}", "account", str(self.folder)], input=PASSWORD,
+                       text=True, check=True, env=self.desk.environment, timeout=30)
+
+
+def leave_volumes(desk, *volumes, **values):
+    """The list with these volumes, and other preferences. Not a first start any more."""
+    archive = _archive([volume.record() for volume in volumes])
+    coded = "".join(f"\\x{byte:02x}" for byte in archive)
+    set_preferences(desk, **{"firstRunDate": "2026-01-01T00:00:00Z", **values,
+                             "volumes": f'"@ByteArray({coded})"'})
+
+
+def _archive(records):
+    """A keyed archive, as the program writes it."""
+    objects = ["$null"]
+
+    def place(thing):
+        objects.append(thing)
+        return plistlib.UID(len(objects) - 1)
+
+    def described(*names):
+        return place({"$classname": names[0], "$classes": list(names)})
+    record_class = described("NBNimbrelVolume", "NSObject")
+    elements = [place({"$class": record_class,
+                       **{name: place(value) if isinstance(value, str) else value
+                          for name, value in record.items()}}) for record in records]
+    root = place({"NS.objects": elements,
+                  "$class": described("NSMutableArray", "NSArray", "NSObject")})
+    return plistlib.dumps({"$version": 100000, "$archiver": "NSKeyedArchiver",
+                           "$top": {"root": root}, "$objects": objects},
+                          fmt=plistlib.FMT_BINARY)
