@@ -104,6 +104,22 @@ class RunScriptTest(ScriptTest):
              "-DNIMBREL_MANUALS=OFF",
              "cmake --build build/run --target nimbrelctl", "nimbrelctl info"])
 
+    def test_on_a_display_the_application_is_built_with_its_manuals_and_started(self):
+        self.environment["DISPLAY"] = ":77"
+        self.fake("nimbrel", path=self.project / "build/run/bin/nimbrel")
+        self.assertEqual(self.start("run").returncode, 0)
+        self.assertEqual(
+            self.called(),
+            ["install-packages build running manuals",
+             "cmake --preset release -B build/run -DNIMBREL_TESTS=OFF -DNIMBREL_BENCH=OFF "
+             "-DNIMBREL_MANUALS=ON",
+             "cmake --build build/run --target nimbrel nimbrel_manuals", "nimbrel "])
+
+    def test_the_terminal_can_be_wanted_on_a_display(self):
+        self.environment["DISPLAY"] = ":77"
+        self.start("run", "--terminal")
+        self.assertIn("cmake --build build/run --target nimbrelctl", self.called())
+
     def test_arguments_reach_the_program_in_the_callers_folder(self):
         self.fake("nimbrelctl", 'echo "in $PWD: $1|$2"', path=self.program)
         result = self.start("run", "--", "info", "two words", cwd=str(self.home))
