@@ -7,6 +7,7 @@
 #include "fs/FuseCheck.h"
 #include "volume/TextConversion.h"
 
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -46,6 +47,11 @@ void AboutWindow::show()
         _window->setTextFormat(Qt::PlainText);
         _window->setText(formatted(texts::tr("Nimbrel %@"), {Log::versionText()}));
         _window->setInformativeText(description());
+        if (auto *name = _window->findChild<QLabel *>(QStringLiteral("qt_msgbox_label"))) {
+            QFont bold = name->font();
+            bold.setBold(true);
+            name->setFont(bold);
+        }
         _window->addButton(texts::tr("Close"), QMessageBox::RejectRole);
     }
     _window->show();

@@ -124,9 +124,9 @@ public:
     Run(const Run &) = delete;
     Run &operator=(const Run &) = delete;
 
+    // All of it in the event loop, so that a signal ends it at any question that the start asks.
     int run()
     {
-        _delegate.applicationWillFinishLaunching();
         QTimer::singleShot(0, &_delegate, [this] { start(); });
         const int status = QApplication::exec();
         _end.finish();
@@ -135,9 +135,13 @@ public:
     }
 
 private:
-    // In the event loop, so that a signal ends it in the welcome, too.
     void start()
     {
+        if (_end.isTerminating())
+            return;
+        _delegate.applicationWillFinishLaunching();
+        if (_end.isTerminating())
+            return;
         if (_arguments.request.kind == ApplicationRequest::Kind::Open)
             _requests.add(_arguments.request);
         _delegate.applicationDidFinishLaunching();

@@ -17,6 +17,7 @@
 #include "windows/NBVolumesManagerWindowController.h"
 
 #include <QDateTime>
+#include <QWidget>
 
 namespace nimbrel {
 
@@ -41,13 +42,7 @@ LaunchFacts LaunchFacts::ofThisProcess()
 }
 
 NBAppDelegate::NBAppDelegate(const ApplicationPlatform &platform, LaunchFacts facts)
-    : _platform(platform), _facts(std::move(facts)),
-      _userInterface(*this,
-                     [this] {
-                         NBVolumesManagerWindowController(
-                             _windowServices, NBVolumesManagerWindowController::Window::None)
-                             .addVolume();
-                     }),
+    : _platform(platform), _facts(std::move(facts)), _userInterface(*this, [this] { addVolume(); }),
       _volumeServices{platform.secrets,   platform.preferences, platform.workspace,
                       platform.bookmarks, platform.resources,   _userInterface,
                       platform.keeper},
@@ -128,6 +123,16 @@ void NBAppDelegate::applicationWillTerminate()
 {
     _volumesController->saveVolumes();
     _volumesController->unmountVolumes();
+}
+
+// A controller without a window does it; the one with a window shows what became of the list.
+void NBAppDelegate::addVolume()
+{
+    using Controller = NBVolumesManagerWindowController;
+    Controller(_windowServices, Controller::Window::None).addVolume();
+    Controller &shown = _statusItemController->vmWindowController();
+    if (shown.window() != nullptr && shown.window()->isVisible())
+        shown.updateToolbar();
 }
 
 bool NBAppDelegate::application(const QString &openFile)

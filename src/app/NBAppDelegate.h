@@ -63,6 +63,8 @@ public:
     void applicationWillTerminate();
     void showWelcomeAssistant();
 
+    // False while the list is being read, which may ask the user something.
+    [[nodiscard]] bool hasVolumesController() const { return _volumesController != nullptr; }
     [[nodiscard]] bool firstRun() const noexcept { return _firstRun; }
 
     [[nodiscard]] bool advancedMode() const override { return _advancedMode; }
@@ -79,6 +81,7 @@ private:
     void makeVolumesController();
     void noteFirstRun();
     void mountVolumes();
+    void addVolume();
 
     ApplicationPlatform _platform;
     LaunchFacts _facts;

@@ -69,6 +69,8 @@ void OrderlyEnd::quit()
 {
     if (_isQuitting || _isTerminating)
         return;
+    if (!_delegate.hasVolumesController())
+        return terminate();
     _isQuitting = true;
     cancelQuestions();
     QMetaObject::invokeMethod(this, &OrderlyEnd::begin, Qt::QueuedConnection);
@@ -76,15 +78,19 @@ void OrderlyEnd::quit()
 
 void OrderlyEnd::begin()
 {
-    NBVolumesController &controller = _delegate.volumesController();
-    _arriving.clear();
-    for (const VolumePtr &volume : std::as_const(controller.volumes()))
-        if (volume->isBusy() && !volume->isMounted())
-            _arriving.append(volume);
-    controller.saveVolumes();
-    controller.unmountVolumes();
+    noteArriving();
+    _delegate.volumesController().saveVolumes();
+    _delegate.volumesController().unmountVolumes();
     _since.start();
     _looking.start();
+}
+
+void OrderlyEnd::noteArriving()
+{
+    _arriving.clear();
+    for (const VolumePtr &volume : std::as_const(_delegate.volumesController().volumes()))
+        if (volume->isBusy() && !volume->isMounted())
+            _arriving.append(volume);
 }
 
 void OrderlyEnd::unmountArrived()
@@ -152,12 +158,16 @@ void OrderlyEnd::askAboutDisksInUse()
 
 void OrderlyEnd::finish(std::chrono::milliseconds patience)
 {
+    if (!_delegate.hasVolumesController())
+        return;
     SilentPresenter silence;
     Util::setAlertPresenter(&silence);
+    noteArriving();
     _delegate.applicationWillTerminate();
     _since.start();
-    while (isAnyBusy() && !_since.hasExpired(patience.count())) {
+    while ((isAnyBusy() || !_arriving.isEmpty()) && !_since.hasExpired(patience.count())) {
         QCoreApplication::processEvents();
+        unmountArrived();
         QThread::msleep(static_cast<unsigned long>(step.count()));
     }
     Util::setAlertPresenter(nullptr);

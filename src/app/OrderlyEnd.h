@@ -37,6 +37,7 @@ public:
 private:
     void begin();
     void look();
+    void noteArriving();
     void unmountArrived();
     void askAboutDisksInUse();
     [[nodiscard]] bool isAnyBusy() const;

@@ -50,7 +50,8 @@ bool SessionEnd::eventFilter(QObject *watched, QEvent *event)
 void SessionEnd::save(QSessionManager &manager)
 {
     manager.setRestartHint(QSessionManager::RestartNever);
-    _delegate.volumesController().saveVolumes();
+    if (_delegate.hasVolumesController())
+        _delegate.volumesController().saveVolumes();
 }
 
 void SessionEnd::delayShutdown()

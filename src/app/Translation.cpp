@@ -49,6 +49,10 @@ void install(const QStringList &languages)
     const QLocale language = spoken(languages);
     load(qtTexts, language, QStringLiteral("qtbase"),
          QLibraryInfo::path(QLibraryInfo::TranslationsPath));
+    // Dates in the same language as the texts around them, in the user's own form where it is
+    // theirs.
+    const QLocale users = QLocale::system();
+    QLocale::setDefault(users.language() == language.language() ? users : language);
     load(ourTexts, language, QStringLiteral("nimbrel"), QStringLiteral(":/translations"));
 }
 

@@ -4,6 +4,8 @@
 #include "application/ApplicationDesk.h"
 #include "platform/LoginItem.h"
 
+#include <QAbstractItemView>
+
 #include <filesystem>
 
 namespace nimbrel::test {
@@ -189,6 +191,21 @@ TEST_F(NBAppDelegateTest, AnUpgradedListIsInTheStoreFromTheStartOn)
     const auto kept = unarchivedRecords(stored(preferencesKey::volumes).toByteArray());
     ASSERT_TRUE(std::holds_alternative<QList<KeyedRecord>>(kept));
     EXPECT_EQ(std::get<QList<KeyedRecord>>(kept).size(), 1);
+}
+
+TEST_F(NBAppDelegateTest, AFolderThatIsHandedOverIsInTheWindowsListAtOnce)
+{
+    startInAdvancedMode();
+    statusItem().openPreferencesWindow();
+    const auto *list = statusItem().vmWindowController().window()->findChild<QAbstractItemView *>(
+        QStringLiteral("tableView"));
+    ASSERT_NE(list, nullptr);
+    EXPECT_EQ(list->model()->rowCount(), 0);
+    const VolumePtr made = folder("Work.nmc", QStringLiteral("Work"));
+    Person person({next, closeWindow}); // the options; the password is cancelled
+    (void)delegate->application(made->path());
+    EXPECT_EQ(list->model()->rowCount(), 1);
+    EXPECT_TRUE(eventLoopUntil([&] { return person.steps.empty(); }));
 }
 
 TEST_F(NBAppDelegateTest, AFolderThatIsHandedOverIsKnownUntilTheManagerHasTakenIt)

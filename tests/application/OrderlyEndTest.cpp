@@ -2,6 +2,7 @@
 
 #include "application/ApplicationDesk.h"
 
+#include <QFileInfo>
 #include <QTimer>
 
 #include <fcntl.h>
@@ -141,6 +142,28 @@ TEST_F(OrderlyEndTest, ADiskThatIsOnItsWayIsUnmountedToo)
     end->quit();
     EXPECT_TRUE(eventLoopUntil([this] { return ends(); }));
     EXPECT_TRUE(desk.hasNoMounts());
+}
+
+// Else the disk goes with the process, and its link on the desktop leads nowhere.
+TEST_F(OrderlyEndTest, TheSessionsEndUnmountsADiskThatIsOnItsWay)
+{
+    const VolumePtr volume = folder("Late.nmc", QStringLiteral("Late"));
+    controller().volumes().append(volume);
+    controller().mountVolume(volume);
+    ASSERT_TRUE(volume->isBusy());
+    end->terminate();
+    end->finish();
+    EXPECT_FALSE(volume->isMounted());
+    EXPECT_FALSE(QFileInfo(desk.path("Desktop/Late")).isSymLink());
+}
+
+TEST_F(OrderlyEndTest, TheQuestionsHarmlessAnswerIsTheOneOfEscape)
+{
+    const VolumePtr volume = addMounted("Work");
+    const UniqueFd file = openFileOn(*volume);
+    end->quit();
+    EXPECT_TRUE(eventLoopUntil([this] { return headlines().contains(question); }));
+    EXPECT_TRUE(desk.alerts.shown.back().isDefaultHarmless);
 }
 
 TEST_F(OrderlyEndTest, AnOpenAssistantIsCancelled)
