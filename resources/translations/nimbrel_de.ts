@@ -911,7 +911,7 @@ Bitte öffnen Sie die Einstellungen und versuchen Sie es erneut, wenn das behobe
     </message>
     <message>
         <source>The menus of file managers couldn&apos;t be changed.</source>
-        <translation>Die Menüs der Dateimanager konnten nicht geändert werden.</translation>
+        <translation>Die Menüs der Dateiverwaltungen konnten nicht geändert werden.</translation>
     </message>
     <message>
         <source>Version %@ can be downloaded. You have version %@.</source>
@@ -1055,7 +1055,7 @@ Möchten Sie dieses Fenster wirklich schließen?</translation>
     </message>
     <message>
         <source>Show in File Manager</source>
-        <translation>Im Dateimanager zeigen</translation>
+        <translation>In der Dateiverwaltung zeigen</translation>
     </message>
     <message>
         <source>It is being mounted or unmounted. Please wait until that has ended and try again.</source>
@@ -1119,7 +1119,7 @@ Möchten Sie dieses Fenster wirklich schließen?</translation>
     </message>
     <message>
         <source>Add “Show Encrypted File” to the &amp;menus of file managers</source>
-        <translation>„Verschlüsselte Datei zeigen“ in die &amp;Menüs der Dateimanager setzen</translation>
+        <translation>„Verschlüsselte Datei zeigen“ in die &amp;Menüs der Dateiverwaltungen setzen</translation>
     </message>
     <message>
         <source>Check &amp;Now</source>
@@ -1239,7 +1239,7 @@ Möchten Sie dieses Fenster wirklich schließen?</translation>
     </message>
     <message>
         <source>&amp;Show in File Manager</source>
-        <translation>Im &amp;Dateimanager zeigen</translation>
+        <translation>In der &amp;Dateiverwaltung zeigen</translation>
     </message>
     <message>
         <source>mounted</source>
