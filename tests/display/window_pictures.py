@@ -39,6 +39,7 @@ class Photographer:
     def __init__(self, folder, language, look, scale):
         self.folder, self.language, self.look, self.scale = folder, language, look, scale
         self.cut = []
+        self.folder.mkdir(parents=True, exist_ok=True)
         self.feed = http.server.HTTPServer(("127.0.0.1", 0), Feed)
         threading.Thread(target=self.feed.serve_forever, daemon=True).start()
 
@@ -57,8 +58,7 @@ class Photographer:
     def take_menu(self, desk, name):
         """A menu is no window of the window manager's."""
         time.sleep(0.4)
-        self.folder.mkdir(parents=True, exist_ok=True)
-        desk.tool("import", "-window", "root", str(self.path(name)))
+        desk.tool("import", "-window", "root", "-trim", "+repage", str(self.path(name)))
 
     @staticmethod
     def make_folders(desk):
