@@ -7,7 +7,8 @@ nimbrel_add_library(nimbrel_app
     SOURCES
         # start, stop and what is asked from outside
         src/app/Application.cpp src/app/Application.h src/app/ApplicationBus.cpp
-        src/app/ApplicationBus.h src/app/ApplicationUserInterface.h src/app/InstanceLock.cpp
+        src/app/ApplicationBus.h src/app/ApplicationUserInterface.h src/app/Display.cpp
+        src/app/Display.h src/app/InstanceLock.cpp
         src/app/InstanceLock.h src/app/NBAppDelegate.cpp src/app/NBAppDelegate.h
         src/app/OrderlyEnd.cpp src/app/OrderlyEnd.h src/app/ProgramArguments.cpp
         src/app/ProgramArguments.h src/app/Requests.cpp src/app/Requests.h src/app/SessionEnd.cpp

@@ -1,5 +1,6 @@
 // The desktop program.
 #include "app/Application.h"
+#include "app/Display.h"
 #include "app/ProgramArguments.h"
 #include "fs/MountKeeper.h"
 #include "fs/ProcessGuards.h"
@@ -29,12 +30,6 @@ int fail(const QString &text)
     return EXIT_FAILURE;
 }
 
-bool hasDisplay()
-{
-    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ||
-           qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
-}
-
 int run(int count, char **texts)
 {
     const ProgramArguments arguments = ProgramArguments::of(textsOf(count, texts));
@@ -57,7 +52,7 @@ int run(int count, char **texts)
     case HandOver::NobodyThere:
         break;
     }
-    if (!hasDisplay())
+    if (!isDisplayThere())
         return fail(QStringLiteral("There is no display. At a terminal, nimbrelctl does the same "
                                    "work."));
     return runApplication(count, texts, arguments, keeper);

@@ -12,9 +12,13 @@ from observed import Application
 from tray import Trayer
 from tray_host import TrayHost
 
-# Its own device folder, with all that programs need but FUSE.
+# Its own device folder, with all that programs need but FUSE. Other tests' disks would live on in its
+# copy of the mount table.
 WITHOUT_FUSE = """
 devices=$1; shift
+while read -r _ point type _; do
+    case $type in fuse*) umount -l "$point";; esac
+done < /proc/mounts
 mount -t tmpfs -o mode=755 none "$devices" || exit 125
 for name in null zero full random urandom tty shm pts; do
     if [ -d /dev/$name ]; then mkdir "$devices/$name"; else : > "$devices/$name"; fi
@@ -52,8 +56,8 @@ class ApplicationDesk(Desk):
         user, group = os.getuid(), os.getgid()
         itself = [] if user == 0 else ["unshare", "--user", f"--map-user={user}",
                                        f"--map-group={group}"]
-        wrapper = ["unshare", "--mount", *([] if user == 0 else ["--map-root-user"]),
-                   "sh", "-c", WITHOUT_FUSE, "sh", str(devices), *itself]
+        wrapper = ["unshare", "--mount", "--propagation", "slave",
+                   *([] if user == 0 else ["--map-root-user"]), "sh", "-c", WITHOUT_FUSE, "sh", str(devices), *itself]
         trial = subprocess.run([*wrapper, "test", "!", "-e", "/dev/fuse"], capture_output=True,
                                text=True, check=False)
         if trial.returncode != 0:
