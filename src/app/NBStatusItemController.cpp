@@ -82,7 +82,8 @@ void NBStatusItemController::setVolumesController(NBVolumesController &volumesCo
 void NBStatusItemController::volumeUpdated()
 {
     updateIcon();
-    updateMenu();
+    if (!_statusItemMenu->isVisible()) // else the entries would move under the mouse
+        updateMenu();
 }
 
 void NBStatusItemController::updateIcon()
@@ -162,6 +163,8 @@ void NBStatusItemController::addToWindow(QMainWindow &window)
     _menuBar = window.menuBar();
     _menuBar->addMenu(_statusItemMenu.get())->setText(texts::tr("&Nimbrel"));
     _menuBar->setHidden(_statusItem != nullptr);
+    if (!_statusItem)
+        window.resize(window.width(), window.height() + _menuBar->sizeHint().height());
 }
 
 // A closed window, and no icon: nobody would find the program again.

@@ -81,6 +81,7 @@ void OrderlyEnd::begin()
     noteArriving();
     _delegate.volumesController().saveVolumes();
     _delegate.volumesController().unmountVolumes();
+    unmountLeftBehind();
     _since.start();
     _looking.start();
 }
@@ -113,15 +114,27 @@ void OrderlyEnd::terminate()
     QCoreApplication::exit(0);
 }
 
+// Of the list, and those that refused to go when they left it.
+QList<VolumePtr> OrderlyEnd::disks() const
+{
+    const NBVolumesController &controller = _delegate.volumesController();
+    return controller.volumes() + controller.leftBehind();
+}
+
+void OrderlyEnd::unmountLeftBehind()
+{
+    for (const VolumePtr &volume : _delegate.volumesController().leftBehind())
+        _delegate.volumesController().unmountVolume(volume);
+}
+
 bool OrderlyEnd::isAnyBusy() const
 {
-    return std::ranges::any_of(_delegate.volumesController().volumes(),
-                               [](const VolumePtr &volume) { return volume->isBusy(); });
+    return std::ranges::any_of(disks(), [](const VolumePtr &volume) { return volume->isBusy(); });
 }
 
 bool OrderlyEnd::isAnyMounted() const
 {
-    return std::ranges::any_of(_delegate.volumesController().volumes(),
+    return std::ranges::any_of(disks(),
                                [](const VolumePtr &volume) { return volume->isMounted(); });
 }
 
@@ -141,7 +154,7 @@ void OrderlyEnd::look()
 // The disk itself has told who uses it.
 void OrderlyEnd::askAboutDisksInUse()
 {
-    const QString labels = labelsOfMounted(_delegate.volumesController().volumes());
+    const QString labels = labelsOfMounted(disks());
     if (labels.isEmpty())
         return terminate();
     _isQuitting = false;
@@ -164,6 +177,7 @@ void OrderlyEnd::finish(std::chrono::milliseconds patience)
     Util::setAlertPresenter(&silence);
     noteArriving();
     _delegate.applicationWillTerminate();
+    unmountLeftBehind();
     _since.start();
     while ((isAnyBusy() || !_arriving.isEmpty()) && !_since.hasExpired(patience.count())) {
         QCoreApplication::processEvents();

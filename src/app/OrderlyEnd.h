@@ -38,6 +38,8 @@ private:
     void begin();
     void look();
     void noteArriving();
+    void unmountLeftBehind();
+    [[nodiscard]] QList<std::shared_ptr<NBNimbrelVolume>> disks() const;
     void unmountArrived();
     void askAboutDisksInUse();
     [[nodiscard]] bool isAnyBusy() const;

@@ -54,11 +54,13 @@ GlibObject<GAsyncResult> GlibCall::await(const Start &start)
     return std::move(answer->result);
 }
 
-void GlibCall::awaitEnd(const Start &start)
+void GlibCall::awaitEnd(const Start &start, const bool &hasEnded)
 {
     _hasGivenUp = false;
     addTimer(grace, giveUp);
     (void)await(start);
+    while (!hasEnded && !_hasGivenUp)
+        g_main_context_iteration(_context.get(), TRUE);
     while (g_main_context_iteration(_context.get(), FALSE) != FALSE)
         continue;
 }

@@ -30,8 +30,9 @@ public:
     // Starts an operation; its result, or null when it was left behind.
     [[nodiscard]] GlibObject<GAsyncResult> await(const Start &start);
     // For what ends all the rest: lets one more operation run a moment, whatever the limit says.
-    // What was left behind and fails by it comes to its end meanwhile.
-    void awaitEnd(const Start &start);
+    // What was left behind and fails by it comes to its end meanwhile. Goes on until `hasEnded`,
+    // which what runs here sets: a source that comes later would keep this call's context for good.
+    void awaitEnd(const Start &start, const bool &hasEnded);
 
 private:
     static gboolean cancel(gpointer call);

@@ -87,6 +87,11 @@ auto rankOf(const SecretItemHandle &item, const std::string &collection)
                       ~secret_item_get_modified(item.get()), path);
 }
 
+void noteEnd(GDBusConnection * /*bus*/, gboolean /*vanished*/, GError * /*error*/, gpointer ended)
+{
+    *static_cast<bool *>(ended) = true;
+}
+
 SecretItems itemsOf(GList *list)
 {
     SecretItems items;
@@ -104,14 +109,21 @@ SecretServiceCall::SecretServiceCall(QString service, QString account,
 {
 }
 
-// The service dismisses a prompt whose asker has gone.
+// The service dismisses a prompt whose asker has gone. The bus tells of its end a moment after the
+// close is done.
 SecretServiceCall::~SecretServiceCall()
 {
     _service.reset();
-    if (_bus)
-        _call.awaitEnd([this](GAsyncReadyCallback callback, gpointer data) {
+    if (!_bus)
+        return;
+    bool hasEnded = g_dbus_connection_is_closed(_bus.get()) != FALSE;
+    g_signal_connect(_bus.get(), "closed", G_CALLBACK(noteEnd), &hasEnded);
+    _call.awaitEnd(
+        [this](GAsyncReadyCallback callback, gpointer data) {
             g_dbus_connection_close(_bus.get(), nullptr, callback, data);
-        });
+        },
+        hasEnded);
+    g_signal_handlers_disconnect_by_data(_bus.get(), &hasEnded);
 }
 
 SecretStatus SecretServiceCall::connect()

@@ -75,14 +75,47 @@ void NBVolumesController::openVolumeInFinder(const VolumePtr &volume)
 
 void NBVolumesController::mountVolume(const VolumePtr &volume, VolumeHandler completitionHandler)
 {
+    const VolumePtr old = inTheWayOf(*volume);
+    if (!old)
+        return mountAtOnce(volume, std::move(completitionHandler));
+    _waiting = volume;
+    _waitingHandler = std::move(completitionHandler);
+    if (!old->isBusy())
+        makeRoom(old);
+}
+
+void NBVolumesController::mountAtOnce(const VolumePtr &volume, VolumeHandler handler)
+{
     volume->setDelegate(this);
+    keepReporting(volume);
+    volume->mount(announcing(&NBVolumesController::volumeDidMount, volume, std::move(handler)));
+}
+
+void NBVolumesController::keepReporting(const VolumePtr &volume)
+{
     _reporting.removeIf([&volume](const auto &known) {
         const VolumePtr alive = known.lock();
         return !alive || alive == volume;
     });
     _reporting.append(volume);
-    volume->mount(
-        announcing(&NBVolumesController::volumeDidMount, volume, std::move(completitionHandler)));
+}
+
+QList<VolumePtr> NBVolumesController::leftBehind() const
+{
+    QList<VolumePtr> left;
+    for (const auto &known : _reporting)
+        if (const VolumePtr volume = known.lock();
+            volume && volume->isMounted() && !_volumes.contains(volume))
+            left.append(volume);
+    return left;
+}
+
+VolumePtr NBVolumesController::inTheWayOf(const NBNimbrelVolume &volume) const
+{
+    for (const VolumePtr &left : leftBehind())
+        if (left.get() != &volume && left->mountPoint() == volume.mountPoint())
+            return left;
+    return nullptr;
 }
 
 void NBVolumesController::unmountVolume(const VolumePtr &volume, VolumeHandler completitionHandler)

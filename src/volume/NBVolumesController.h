@@ -39,12 +39,14 @@ public:
     void openVolumeAtPath(const QString &path);
     void openVolumeInFinder(const VolumePtr &volume);
 
+    // Where a disk that has left the list is still in the place, its unmount is waited for, or
+    // asked for again; when it refuses, the new one isn't mounted.
     void mountVolume(const VolumePtr &volume, VolumeHandler completitionHandler = {});
     void unmountVolume(const VolumePtr &volume, VolumeHandler completitionHandler = {});
-    // Two volumes that take the same place: starts the old one's unmount; the next mountInRoom
-    // waits until that has ended, also when the old disk refuses to go.
+    // Starts the unmount of a volume that another one replaces.
     void makeRoom(const VolumePtr &mounted);
-    void mountInRoom(const VolumePtr &volume, VolumeHandler completitionHandler);
+    // Mounted disks that are off the list: they refused to be unmounted when they left it.
+    [[nodiscard]] QList<VolumePtr> leftBehind() const;
     // These start each mount or unmount and wait for none.
     void mountVolumes();
     void automountVolumes();
@@ -69,14 +71,16 @@ private:
     [[nodiscard]] VolumePtr volumeOf(const KeyedRecord &record);
     void fetchPassphrase(NBNimbrelVolume &volume);
     void clearTheWay();
-    void mountWaiting();
+    [[nodiscard]] VolumePtr inTheWayOf(const NBNimbrelVolume &volume) const;
+    void keepReporting(const VolumePtr &volume);
+    void mountAtOnce(const VolumePtr &volume, VolumeHandler handler);
+    void mountWaiting(bool hasRoom);
     void mountNewVolume(const VolumePtr &volume);
     [[nodiscard]] VolumePtr newVolumeWith(NBNewVolumeSettings settings);
 
     VolumeServices &_services;
     QList<VolumePtr> _volumes;
-    std::weak_ptr<NBNimbrelVolume> _leaving;          // unmounts to make room for a new one
-    std::weak_ptr<NBNimbrelVolume> _waiting;          // that new one
+    std::weak_ptr<NBNimbrelVolume> _waiting;          // for the place of one that leaves it
     VolumeHandler _waitingHandler;                    // of its mount
     QList<std::weak_ptr<NBNimbrelVolume>> _reporting; // mounted from here, also if off the list
 };

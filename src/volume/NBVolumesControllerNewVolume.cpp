@@ -52,36 +52,28 @@ void NBVolumesController::clearTheWay()
 
 void NBVolumesController::makeRoom(const VolumePtr &mounted)
 {
-    _leaving = mounted;
-    unmountVolume(mounted, [controller = QPointer(this)](bool) {
+    keepReporting(mounted);
+    unmountVolume(mounted, [controller = QPointer(this)](bool unmounted) {
         if (controller)
-            controller->mountWaiting();
+            controller->mountWaiting(unmounted);
     });
 }
 
-// Somebody else may have mounted it meanwhile.
-void NBVolumesController::mountWaiting()
+// A disk that doesn't go tells the user why; a mount on top of it could only fail. Somebody else
+// may have mounted the waiting one meanwhile.
+void NBVolumesController::mountWaiting(bool hasRoom)
 {
     const VolumePtr next = std::exchange(_waiting, {}).lock();
     VolumeHandler handler = std::exchange(_waitingHandler, {});
-    if (next && !next->isMounted())
+    if (next && hasRoom && !next->isMounted())
         mountVolume(next, std::move(handler));
     else if (next && handler)
-        handler(true);
-}
-
-void NBVolumesController::mountInRoom(const VolumePtr &volume, VolumeHandler completitionHandler)
-{
-    const VolumePtr old = _leaving.lock();
-    if (!old || !old->isBusy())
-        return mountVolume(volume, std::move(completitionHandler));
-    _waiting = volume;
-    _waitingHandler = std::move(completitionHandler);
+        handler(next->isMounted());
 }
 
 void NBVolumesController::mountNewVolume(const VolumePtr &volume)
 {
-    mountInRoom(volume, [weak = std::weak_ptr(volume)](bool mounted) {
+    mountVolume(volume, [weak = std::weak_ptr(volume)](bool mounted) {
         if (const VolumePtr alive = mounted ? weak.lock() : nullptr)
             alive->writeAuxiliaryFilesToDisk();
     });

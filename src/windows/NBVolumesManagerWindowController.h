@@ -101,6 +101,7 @@ private:
     void openFolder(const QString &path);
     void replaceLastVolume(const VolumePtr &volume);
     [[nodiscard]] VolumeHandler mountDone(const VolumePtr &volume);
+    [[nodiscard]] bool mayReplaceLastVolume() const; // tells when it may not
     [[nodiscard]] bool askForOptions(NBNimbrelVolume &volume);
     [[nodiscard]] bool editOptions(const VolumePtr &volume);
     [[nodiscard]] static bool isIdle(const NBNimbrelVolume &volume); // tells when it isn't

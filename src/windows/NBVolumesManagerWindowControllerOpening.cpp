@@ -97,6 +97,8 @@ void NBVolumesManagerWindowController::addFileInSimpleMode(const QString &openFi
 
 void NBVolumesManagerWindowController::openFolder(const QString &path)
 {
+    if (!mayReplaceLastVolume())
+        return;
     const VolumePtr volume = NBNimbrelVolume::withPath(_services.volumes, path);
     if (isAdvanced() && !askForOptions(*volume))
         return;
@@ -106,7 +108,14 @@ void NBVolumesManagerWindowController::openFolder(const QString &path)
         _volumesController.volumes().append(volume);
     else
         replaceLastVolume(volume);
-    _volumesController.mountInRoom(volume, mountDone(volume));
+    _volumesController.mountVolume(volume, mountDone(volume));
+}
+
+// A disk that is on its way would come up behind the list's back.
+bool NBVolumesManagerWindowController::mayReplaceLastVolume() const
+{
+    const VolumePtr last = _volumesController.lastVolume();
+    return isAdvanced() || !last || isIdle(*last);
 }
 
 bool NBVolumesManagerWindowController::askForOptions(NBNimbrelVolume &volume)

@@ -17,7 +17,8 @@ namespace nimbrel {
 
 void NBVolumesManagerWindowController::newVolume()
 {
-    _volumesController.newVolume();
+    if (mayReplaceLastVolume())
+        _volumesController.newVolume();
     updateToolbar();
 }
 

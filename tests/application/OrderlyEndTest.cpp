@@ -166,6 +166,26 @@ TEST_F(OrderlyEndTest, TheQuestionsHarmlessAnswerIsTheOneOfEscape)
     EXPECT_TRUE(desk.alerts.shown.back().isDefaultHarmless);
 }
 
+// It refused when it left the list; its program has closed the file since.
+TEST_F(OrderlyEndTest, ADiskThatIsOffTheListIsUnmountedToo)
+{
+    VolumePtr volume = folder("Old.nmc", QStringLiteral("Old"));
+    controller().volumes().append(volume);
+    controller().mountVolume(volume);
+    ASSERT_TRUE(eventLoopUntil([&] { return volume->isMounted(); }));
+    UniqueFd file = openFileOn(*volume);
+    controller().volumes().clear();
+    controller().unmountVolume(volume);
+    volume.reset();
+    ASSERT_TRUE(eventLoopUntil([this] { return !desk.alerts.shown.empty(); }));
+    desk.alerts.shown.clear();
+    file = UniqueFd();
+    end->quit();
+    EXPECT_TRUE(eventLoopUntil([this] { return ends(); }));
+    EXPECT_TRUE(desk.hasNoMounts());
+    EXPECT_EQ(headlines(), QStringList());
+}
+
 TEST_F(OrderlyEndTest, AnOpenAssistantIsCancelled)
 {
     QMetaObject::invokeMethod(

@@ -243,6 +243,22 @@ TEST_F(OpeningTest, InSimpleModeTheNewDiskWaitsForTheOldOnesEnd)
     EXPECT_EQ(told(), mayReplace) << "and nothing of a mount point in use";
 }
 
+// Without the guard the record of the disk that is on its way is dropped, and its password with it.
+TEST_F(OpeningTest, InSimpleModeAVolumeThatIsBeingMountedIsNotReplaced)
+{
+    const VolumePtr old = listed("Old");
+    desk.controller().mountVolume(old);
+    ASSERT_TRUE(old->isBusy());
+    desk.application.setOpenFile(makeFolder("New"));
+    manager->addVolume();
+    manager->newVolume();
+    EXPECT_EQ(desk.alertTexts(), (QStringList{QStringLiteral("\"Old\" is busy."),
+                                              QStringLiteral("\"Old\" is busy.")}));
+    EXPECT_EQ(volumes(), QList<VolumePtr>{old});
+    EXPECT_FALSE(old->passphrase().empty());
+    EXPECT_TRUE(eventLoopUntil([&] { return old->isMounted(); }));
+}
+
 TEST_F(OpeningTest, InSimpleModeAnOldDiskInUseStaysAsItIs)
 {
     VolumePtr old = listed("Old");
@@ -257,11 +273,8 @@ TEST_F(OpeningTest, InSimpleModeAnOldDiskInUseStaysAsItIs)
     answer(0); // replace it
     desk.application.setOpenFile(makeFolder("New"));
     manager->addVolume();
-    EXPECT_TRUE(eventLoopUntil([&] { return alerts().size() == 3; }));
-    const QStringList said = desk.alertTexts();
-    EXPECT_TRUE(said.contains(QStringLiteral("\"Nimbrel\" could not be unmounted.")));
-    EXPECT_TRUE(
-        said.contains(QStringLiteral("The mount point %1 is already in use.").arg(qtText(disk))));
+    EXPECT_TRUE(eventLoopUntil([&] { return alerts().size() == 2; }));
+    EXPECT_EQ(desk.alertTexts().last(), QStringLiteral("\"Nimbrel\" could not be unmounted."));
     settle();
     file << " and after" << std::flush;
     EXPECT_TRUE(file.good());

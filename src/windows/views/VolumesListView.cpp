@@ -2,6 +2,7 @@
 
 #include "app/Texts.h"
 
+#include <QMouseEvent>
 #include <QPainter>
 
 namespace nimbrel {
@@ -17,6 +18,14 @@ VolumesListView::VolumesListView(QWidget *parent) : QListView(parent)
     setUniformItemSizes(true);
     setResizeMode(QListView::Adjust);
     setAlternatingRowColors(true);
+}
+
+void VolumesListView::mousePressEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::RightButton)
+        event->accept(); // the menu has an event of its own
+    else
+        QListView::mousePressEvent(event);
 }
 
 void VolumesListView::paintEvent(QPaintEvent *event)

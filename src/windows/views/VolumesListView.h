@@ -13,6 +13,8 @@ public:
     explicit VolumesListView(QWidget *parent);
 
 protected:
+    // The right button shows what can be done with a row; the selection stays where it is.
+    void mousePressEvent(QMouseEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 };
 

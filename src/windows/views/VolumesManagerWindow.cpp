@@ -175,7 +175,9 @@ void VolumesManagerWindow::insertItems(Contents contents)
 
 int VolumesManagerWindow::heightFor(Contents contents) const
 {
-    const int above = toolbar->sizeHint().height();
+    int above = toolbar->sizeHint().height();
+    if (menuWidget() != nullptr && !menuWidget()->isHidden())
+        above += menuWidget()->sizeHint().height();
     if (contents == Contents::List)
         return above + fontMetrics().lineSpacing() * tableLines;
     const int width = std::max(this->width(), minimumWidth());
