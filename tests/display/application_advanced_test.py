@@ -3,6 +3,7 @@
 import unittest
 
 from application_test_base import PASSWORD, ApplicationTest
+from mouse import DragSource
 from readers import stored_passwords
 
 OTHER_PASSWORD = "eight Herons on 2 roofs"
@@ -90,7 +91,7 @@ class ListTest(AdvancedModeTest):
 
     def switch_to_advanced(self):
         desk = self.desk
-        for button in ("No", "Yes"):
+        for button in ("No", None, "Yes"):
             desk.click_on("mode")
             self.answer_alert(button=button, **TO_ADVANCED)
             desk.expect("window", "Nimbrel")
@@ -129,6 +130,18 @@ class ListTest(AdvancedModeTest):
         self.await_rows("Nimbrel, mounted", "Office, mounted", "Post, mounted")
         self.assertIsNone(self.stored(folder))
 
+    def test_a_dropped_folder_joins_the_list(self):
+        desk = self.sit_down_with("One")
+        folder = self.make_folder("Two")
+        source = DragSource(desk, folder)
+        self.assertTrue(source.drop_at(desk.place("where-row", "tableView", "One")))
+        self.give_options("Deux", "Two")
+        self.give_password()
+        self.await_rows("One, not mounted", "Deux, mounted")
+        desk.file_manager.expect_shown(self.disk("Deux"), "ShowFolders")
+        self.assert_is_disk_of(folder, "Deux")
+        self.assertEqual(list(self.listed()), ["One", "Deux"])
+
     def test_cancelled_options_add_nothing(self):
         desk = self.sit_down_with("One")
         folder = self.make_folder("Two")
@@ -161,8 +174,6 @@ class ListTest(AdvancedModeTest):
         desk.click_row("tableView", "Three")
         desk.click_on("unmount")
         self.await_rows("One, mounted", "Two, mounted", "Three, not mounted")
-        desk.click_row("tableView", "One")
-        desk.lines.all()
         desk.right_click_row("tableView", "Two")
         desk.expect("menu", "Open|Unmount|-|Change Password…|Clear Password|-|Edit…|"
                             "Show in File Manager")
@@ -173,13 +184,23 @@ class ListTest(AdvancedModeTest):
         desk.key("Down", "Down", "Return")  # the toolbar's item has the same name
         self.await_rows("One, mounted", "Two, not mounted", "Three, not mounted")
         self.assertEqual(self.mounted(), ["One"])
-        self.assertEqual(self.enabled_items(), "remove unmount change clear")
-        self.assertEqual(self.selected(), ["One"])
         desk.right_click_row("tableView", "Three")
         desk.expect("menu", "Mount|Unmount (off)|-|Change Password… (off)|Clear Password (off)|-|"
                             "Edit…|Show in File Manager")
         desk.click_menu("Show in File Manager")
         desk.file_manager.expect_shown(self.folders["Three"], "ShowItems")
+
+    def test_a_right_click_leaves_the_selection_alone(self):
+        desk = self.sit_down_with("One", "Two", Two={"automount": True})
+        self.await_rows("One, not mounted", "Two, mounted")
+        desk.click_row("tableView", "One")
+        self.await_items("remove mount")
+        desk.right_click_row("tableView", "Two")
+        desk.expect("menu", "Open|Unmount|*")
+        desk.key("Escape")
+        desk.quiet()
+        self.assertEqual(self.selected(), ["One"])
+        self.assertEqual(self.enabled_items(), "remove mount")
 
     def test_keys_and_a_double_click_open(self):
         desk = self.sit_down_with("One", "Two")
@@ -302,9 +323,10 @@ class LeavingTest(AdvancedModeTest):
         desk.click_row("tableView", "Two")
         desk.click_on("unmount")
         self.await_rows("One, mounted", "Two, not mounted", "Three, mounted")
-        desk.click_on("mode")
-        self.answer_alert(button="No", **TO_SIMPLE)
-        desk.expect("window", "Nimbrel")
+        for button in ("No", None):
+            desk.click_on("mode")
+            self.answer_alert(button=button, **TO_SIMPLE)
+            desk.expect("window", "Nimbrel")
         self.assertEqual(self.mounted(), ["One", "Three"])
         self.assertEqual(len(self.rows()), 3)
         desk.click_on("mode")

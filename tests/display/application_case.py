@@ -1,4 +1,4 @@
-"""What the scenarios with the application share: how one begins, and what is looked at behind it."""
+"""What scenarios with the application share: how one begins, and what is looked at behind it."""
 
 import subprocess
 import unittest

@@ -57,7 +57,8 @@ class ApplicationDesk(Desk):
         itself = [] if user == 0 else ["unshare", "--user", f"--map-user={user}",
                                        f"--map-group={group}"]
         wrapper = ["unshare", "--mount", "--propagation", "slave",
-                   *([] if user == 0 else ["--map-root-user"]), "sh", "-c", WITHOUT_FUSE, "sh", str(devices), *itself]
+                   *([] if user == 0 else ["--map-root-user"]), "sh", "-c", WITHOUT_FUSE, "sh",
+                   str(devices), *itself]
         trial = subprocess.run([*wrapper, "test", "!", "-e", "/dev/fuse"], capture_output=True,
                                text=True, check=False)
         if trial.returncode != 0:

@@ -9,7 +9,7 @@ import unittest
 from application_case import ApplicationCase, children
 from assistants_test import PASSWORD
 from earlier_runs import Volume, leave_volumes
-from readers import preferences, stored_password
+from readers import preferences, set_preferences, stored_password
 
 APPLICATION = "org.freedesktop.Application"
 IN_USE = '"Work" could not be unmounted.'
@@ -49,6 +49,16 @@ class SignalTest(ApplicationCase):
         self.assertEqual(application.terminate(), 0)
         self.assert_nothing_left(desk, processes)
         self.assertIn("firstRunDate", preferences(desk))
+
+    def test_an_alert_at_the_start_is_ended(self):
+        desk = self.sit_down()
+        set_preferences(desk, volumes='"never closed')
+        application = desk.start_application()
+        desk.expect("alert", "The list of volumes could not be read.")
+        self.assertEqual(application.terminate(), 0)
+        settings = desk.home / ".config/Nimbrel"
+        kept = [path.read_text() for path in settings.glob("Nimbrel.conf.damaged-*")]
+        self.assertEqual(set(kept), {'[General]\nvolumes="never closed\n'})
 
     def test_a_question_for_a_password_is_ended(self):
         desk, work = self.sit_down_with("Work", automount=False)

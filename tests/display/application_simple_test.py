@@ -4,6 +4,7 @@ import filecmp
 import getpass
 import json
 import os
+import re
 import shutil
 import sqlite3
 import subprocess
@@ -26,7 +27,7 @@ def differences(comparison):
         found for below in comparison.subdirs.values() for found in differences(below)]
 
 
-class FirstStartTest(ApplicationTest):
+class FirstVolumeTest(ApplicationTest):
     def test_a_new_volume_is_there_again_at_the_next_start(self):
         desk = self.sit_down(tray="sni")
         desk.start_application()
@@ -60,6 +61,12 @@ class FirstStartTest(ApplicationTest):
         desk = self.desk
         desk.expect("window", "Nimbrel")
         desk.key("Return")  # a new folder
+        self.describe_volume(name)
+        return self.documents / f"{name}.nmc"
+
+    def describe_volume(self, name):
+        """On the pages for a new folder's name and password."""
+        desk = self.desk
         desk.expect("focus", "folderNameTextField")
         desk.type(name)
         desk.key("Return")
@@ -68,7 +75,6 @@ class FirstStartTest(ApplicationTest):
         desk.tab_to("confirmTextField")
         desk.type(PASSWORD)
         desk.key("Return")
-        return self.documents / f"{name}.nmc"
 
     def end_success_page(self):
         self.desk.expect("window", "Nimbrel")
@@ -142,6 +148,49 @@ class FirstStartTest(ApplicationTest):
         self.assertIsNotNone(first_run)
         self.assertEqual(self.preference("firstRunDate"), first_run)
         self.assertEqual(list(self.documents.iterdir()), [])
+
+
+    def test_without_a_folder_the_window_asks_before_it_closes(self):
+        desk = self.sit_down(tray="trayer")
+        desk.start_application()
+        desk.expect("window", "Nimbrel")
+        desk.key("Escape")
+        desk.until(lambda: not desk.windows(), "no window")
+        self.open_window()
+        self.assertEqual(self.enabled_items(), "")
+        self.assertFalse(desk.tell("showInFinderButton")["enabled"])
+        self.assertEqual(desk.cut_controls(), [])
+        for button in ("No", None, "Yes"):
+            self.close_window()
+            self.answer_alert("You did not choose any encrypted folder.", button,
+                              "No|Yes (default No)", "Nimbrel will not create the Nimbrel volume "
+                              "*")
+            if button != "Yes":
+                desk.expect("window", "Nimbrel")
+        desk.until(lambda: not desk.windows(), "the window's end")
+        self.assertTrue(desk.application.running)
+
+    def test_the_tray_menu_makes_a_first_volume(self):
+        desk = self.sit_down(tray="trayer")
+        desk.start_application()
+        desk.expect("window", "Nimbrel")
+        desk.key("Escape")
+        desk.until(lambda: not desk.windows(), "no window")
+        desk.tray.choose("New Volume…")
+        self.describe_volume("Later")
+        self.await_mounted()
+        folder = self.documents / "Later.nmc"
+        self.assert_is_disk_of(folder)
+        desk.expect("window", "Nimbrel Assistant")
+        desk.click_on("openVolumeButton")
+        desk.key("Return")
+        desk.until(lambda: not desk.windows(), "the end of the success page")
+        self.assertEqual(self.listed(), {"Nimbrel": str(folder)})
+        self.assertEqual(self.stored(folder), PASSWORD)
+        self.assertEqual(desk.file_manager.shown(), [])
+        self.assertEqual(desk.tray.labels()[:3], ["Open Nimbrel", "Unmount Nimbrel", "-"])
+        self.quit()
+        self.assert_nothing_left()
 
 
 class SimpleWindowTest(ApplicationTest):
@@ -238,7 +287,7 @@ class SimpleWindowTest(ApplicationTest):
         folder = self.start_with_a_volume(automount=False)
         self.open_window()
         self.await_items("mount")
-        desk.key("alt+F4")
+        self.close_window()
         self.answer_alert(NOT_MOUNTED, "OK", detail="You can mount the volume always using the "
                           "Nimbrel icon in the menu bar.")
         desk.until(lambda: not desk.windows(), "the window's end")
@@ -246,7 +295,7 @@ class SimpleWindowTest(ApplicationTest):
         self.assert_is_disk_of(folder)
         self.open_window()
         self.await_items("unmount change clear")
-        desk.key("alt+F4")  # nothing to be said
+        self.close_window()  # nothing to be said
         desk.until(lambda: not desk.windows(), "the window's end")
         desk.expect_none("alert")
         self.assertEqual(self.mounted(), ["Nimbrel"])
@@ -256,13 +305,13 @@ class SimpleWindowTest(ApplicationTest):
         folder = self.start_with_a_volume(automount=False)
         folder.rename(folder.with_suffix(".away"))
         self.open_window()
-        desk.key("alt+F4")
+        self.close_window()
         self.answer_alert("The encrypted folder does not exist.", "OK")
         desk.expect("window", "Nimbrel")
         self.assertEqual(desk.windows(), ["Nimbrel"])
         folder.with_suffix(".away").rename(folder)
         (folder / ".encfs6.xml").rename(folder / "elsewhere.xml")
-        desk.key("alt+F4")
+        self.close_window()
         self.answer_alert("The configuration file does not exist.", "OK")
         desk.expect("window", "Nimbrel")
         self.assertEqual(desk.windows(), ["Nimbrel"])
@@ -287,6 +336,7 @@ class SimpleWindowTest(ApplicationTest):
         self.assertIsNone(self.preference("volumePrefix"))
         desk.key("Escape")
         desk.until(entry.exists, "the autostart entry")
+        self.assertIn("\nHidden=false\n", entry.read_text(encoding="utf-8"))
         desk.expect("window", "Nimbrel")
         self.assertEqual([self.preference("createAliases"), self.preference("volumePrefix")],
                          ["false", "true"])
@@ -298,7 +348,7 @@ class SimpleWindowTest(ApplicationTest):
         self.await_mounted(f"{getpass.getuser()}-Nimbrel")
         self.assertEqual(list((desk.home / "Desktop").iterdir()), [])
         self.take_preferences_back(boxes)
-        self.assertFalse(entry.exists())
+        self.assertIn("\nHidden=true\n", entry.read_text(encoding="utf-8"))
 
     def take_preferences_back(self, boxes):
         desk = self.desk
@@ -389,11 +439,11 @@ class OtherFolderTest(ApplicationTest):
     def test_one_that_another_start_brings(self):
         self.sit_down_with_clients()
         desk = self.desk
-        for button in ("No", "Yes"):
+        for button in ("No", None, "Yes"):
             self.assertEqual(desk.start_application(self.letters, observed=False).wait(), 0)
             self.answer_alert(REPLACES, button, "No|Yes (default No)",
                               "Continue to open this encrypted folder?")
-            if button == "No":
+            if button != "Yes":
                 desk.expect_none("window")
                 self.assert_is_disk_of(self.diary)
                 self.assertEqual(self.listed(), {"Nimbrel": str(self.diary)})
@@ -423,6 +473,41 @@ class OtherFolderTest(ApplicationTest):
         self.answer_alert("This is not a valid Nimbrel Folder.", "OK")
         self.assert_is_disk_of(self.photos)
         self.assertEqual(self.listed(), {"Nimbrel": str(self.photos)})
+
+    def test_an_old_disk_in_use_is_told_and_leaves_later(self):
+        self.sit_down_with_clients()
+        desk = self.desk
+        with (self.disk() / "open.txt").open("w", encoding="utf-8") as file:
+            self.assertEqual(desk.start_application(self.letters, observed=False).wait(), 0)
+            self.answer_alert(REPLACES, "Yes", "No|Yes (default No)")
+            self.assertEqual(desk.expect("alert", patience=20),
+                             '"Nimbrel" could not be unmounted.')
+            desk.click_on("OK")
+            file.write("still there")
+        self.assertEqual((self.disk() / "open.txt").read_text(encoding="utf-8"), "still there")
+        desk.until(lambda: self.listed() == {"Nimbrel": str(self.letters)}, "the list", patience=10)
+        desk.tray.choose("Mount Nimbrel")
+        self.give_password()
+        desk.until(lambda: self.mounted() == ["Nimbrel"] and not
+                   (self.disk() / "open.txt").exists(), "the other disk", patience=20)
+        self.assert_is_disk_of(self.letters)
+
+    def test_one_that_comes_while_the_old_disk_is_on_its_way(self):
+        """The old folder's key takes long: its configuration asks for very many iterations."""
+        desk = self.sit_down(tray="trayer")
+        diary, letters = self.make_folder(), self.make_folder("Letters", desk.home)
+        configuration = diary / ".encfs6.xml"
+        configuration.write_text(re.sub("(<kdfIterations>)\\d+", r"\g<1>10000000",
+                                        configuration.read_text(encoding="utf-8")),
+                                 encoding="utf-8")
+        self.store_password(diary)
+        self.remember((diary, {}))
+        desk.start_application()
+        self.assertEqual(desk.start_application(letters, observed=False).wait(), 0)
+        self.assertEqual(desk.expect("alert", patience=20), '"Nimbrel" is busy.')
+        desk.click_on("OK")
+        self.assertEqual(self.stored(diary), PASSWORD)
+        self.assertEqual(self.listed(), {"Nimbrel": str(diary)})
 
 
 if __name__ == "__main__":

@@ -1,5 +1,6 @@
 """What earlier runs of the program left behind: folders, the list of volumes, stored passwords."""
 
+import json
 import plistlib
 import subprocess
 
@@ -36,9 +37,11 @@ class Volume:
 def leave_volumes(desk, *volumes, **values):
     """The list with these volumes, and other preferences. Not a first start any more."""
     archive = _archive([volume.record() for volume in volumes])
-    coded = "".join(f"\\x{byte:02x}" for byte in archive)
+    coded = "".join("@" if byte == ord("@") else f"\\x{byte:02x}" for byte in archive)
+    info = json.dumps({str(volume.disk): str(volume.folder) for volume in volumes})
     set_preferences(desk, **{"firstRunDate": "2026-01-01T00:00:00Z", **values,
-                             "volumes": f'"@ByteArray({coded})"'})
+                             "volumes": f'"@ByteArray({coded})"',
+                             "NBVolumesInfo": '"' + info.replace('"', '\\"') + '"'})
 
 
 def _archive(records):
