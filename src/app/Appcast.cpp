@@ -61,7 +61,7 @@ std::optional<UpdateOffer> Appcast::newest() const
 {
     std::optional<UpdateOffer> newest;
     for (const UpdateOffer &item : items)
-        if (!newest || compareNumerically(newest->version, item.version) < 0)
+        if (!newest || std::is_lt(compareNumerically(newest->version, item.version)))
             newest = item;
     return newest;
 }

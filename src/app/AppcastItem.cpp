@@ -9,7 +9,7 @@ namespace {
 
 constexpr qsizetype maximumLine = 500;         // titles, addresses, dates
 constexpr qsizetype maximumVersion = 60;       // a window shows it whole
-constexpr qsizetype maximumNotes = 256 * 1024; // characters
+constexpr qsizetype maximumNotes = qsizetype{256} * 1024; // characters
 constexpr int maximumDepth = 100;              // of what notes hold as elements
 
 bool isWebPage(const QUrl &url)
@@ -22,7 +22,7 @@ bool isWebPage(const QUrl &url)
 QUrl pageOf(const QString &link, const QString &enclosure)
 {
     for (const QString &address : {link, enclosure})
-        if (const QUrl url(address.trimmed(), QUrl::StrictMode); isWebPage(url))
+        if (QUrl url(address.trimmed(), QUrl::StrictMode); isWebPage(url))
             return url;
     return {};
 }

@@ -25,7 +25,7 @@ class FeedRequest final : public QObject
     Q_OBJECT
 
 public:
-    static constexpr qint64 maximumSize = 1024 * 1024; // bytes of the answer
+    static constexpr qint64 maximumSize = qint64{1024} * 1024; // bytes of the answer
 
     using Answer = std::variant<QByteArray, UpdateFailure>;
     // Called once, and not while this is made. It may end this.

@@ -109,7 +109,7 @@ void NBAppDelegate::noteFirstRun()
 
 void NBAppDelegate::mountVolumes()
 {
-    if (compareNumerically(_facts.systemVersion, u"10.8") > 0 && _facts.wasLaunchedAsLoginItem)
+    if (std::is_gt(compareNumerically(_facts.systemVersion, u"10.8")) && _facts.wasLaunchedAsLoginItem)
         _facts.wakeFileBrowser();
     _volumesController->automountVolumes();
 }

@@ -43,7 +43,7 @@ std::strong_ordering compareFolded(QStringView one, QStringView other)
         const auto order = isDigit(one.front()) && isDigit(other.front())
                                ? compareNumbers(takeNumber(one), takeNumber(other))
                                : takeCharacter(one).unicode() <=> takeCharacter(other).unicode();
-        if (order != 0)
+        if (std::is_neq(order))
             return order;
     }
     return one.size() <=> other.size(); // one of them is at its end

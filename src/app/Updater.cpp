@@ -134,7 +134,7 @@ void Updater::succeed(const Appcast &appcast)
     sleep(_times.sleepUntil(lastUpdateCheckDate(), now));
     const auto &comparator = _delegate.versionComparatorForUpdater();
     const std::optional<UpdateOffer> newest = appcast.newest();
-    if (newest && comparator.compareVersion(_delegate.version(), newest->version) < 0)
+    if (newest && std::is_lt(comparator.compareVersion(_delegate.version(), newest->version)))
         return offer(*newest, asker);
     if (asker == Asker::Person)
         tellUpToDate(_delegate.version());

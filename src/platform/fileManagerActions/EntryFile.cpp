@@ -81,7 +81,7 @@ std::optional<QString> writeEntry(const QString &path, const QByteArray &text, b
         return error;
     if (QFileInfo::exists(path) && !bearsMark(*old))
         return QStringLiteral("\"%1\" isn't Nimbrel's, so it was left as it is.").arg(path);
-    if (const auto failure = writeText(path, text))
+    if (auto failure = writeText(path, text))
         return failure;
     return isExecutable ? makeExecutable(path) : std::nullopt;
 }

@@ -70,7 +70,7 @@ bool isInstalled(const QString &path)
 std::optional<QString> put(const QString &path, const QString &title)
 {
     const QString script = pathOf(title);
-    if (const auto error = writeEntry(script, textFor(path), true))
+    if (auto error = writeEntry(script, textFor(path), true))
         return error;
     return removeAllBut(script);
 }

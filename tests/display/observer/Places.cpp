@@ -87,8 +87,12 @@ Place placeInOpenList(const QString &text)
 
 } // namespace
 
+// An open menu has the mouse, whatever else is called the same.
 Place placeOf(const QString &name)
 {
+    if (qobject_cast<const QMenu *>(QApplication::activePopupWidget()) != nullptr)
+        if (const Place entry = placeOfEntry(name))
+            return entry;
     if (const QWidget *control = findControl(name); control != nullptr && control->isVisible())
         return centreOf(*control, clickableArea(*control));
     if (const QAction *action = findAction(name))
