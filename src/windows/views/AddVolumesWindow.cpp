@@ -78,7 +78,7 @@ void AddVolumesWindow::setUpTable(QAbstractItemModel &folders)
 }
 
 // The Tab key makes the first row the current one. That is what Enter takes then.
-void AddVolumesWindow::selectWhenAlone(const QModelIndex &row)
+void AddVolumesWindow::selectWhenAlone(const QModelIndex &row) const
 {
     if (row.isValid() && !foldersTableView->selectionModel()->hasSelection())
         foldersTableView->selectRow(row.row());

@@ -32,7 +32,7 @@ public:
 
 private:
     void setUpTable(QAbstractItemModel &folders);
-    void selectWhenAlone(const QModelIndex &row);
+    void selectWhenAlone(const QModelIndex &row) const;
     void addLocation(QVBoxLayout &column);
     void addScan(QVBoxLayout &column);
     void addButtons(QVBoxLayout &column);
