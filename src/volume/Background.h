@@ -1,5 +1,7 @@
 #pragma once
 
+#include "volume/ThreadHandover.h"
+
 #include <QCoreApplication>
 #include <QMetaObject>
 #include <QThreadPool>
@@ -20,9 +22,12 @@ void onMainThread(std::weak_ptr<Owner> owner, Done done)
     QCoreApplication *const application = QCoreApplication::instance();
     if (application == nullptr)
         return; // the program is at its end
+    const ThreadHandover handover;
+    handover.give();
     QMetaObject::invokeMethod(
         application,
-        [owner = std::move(owner), done = std::move(done)]() mutable {
+        [handover, owner = std::move(owner), done = std::move(done)]() mutable {
+            handover.take();
             if (const std::shared_ptr<Owner> alive = owner.lock())
                 done(*alive);
         },
@@ -36,13 +41,16 @@ template <class Owner, class Work, class Done>
 void inBackground(std::weak_ptr<Owner> owner, Work work, Done done,
                   QThreadPool &pool = backgroundPool())
 {
-    pool.start(
-        [owner = std::move(owner), work = std::move(work), done = std::move(done)]() mutable {
-            onMainThread(std::move(owner),
-                         [result = work(), done = std::move(done)](Owner &alive) mutable {
-                             done(alive, std::move(result));
-                         });
-        });
+    const ThreadHandover handover;
+    handover.give();
+    pool.start([handover, owner = std::move(owner), work = std::move(work),
+                done = std::move(done)]() mutable {
+        handover.take();
+        onMainThread(std::move(owner),
+                     [result = work(), done = std::move(done)](Owner &alive) mutable {
+                         done(alive, std::move(result));
+                     });
+    });
 }
 
 } // namespace nimbrel

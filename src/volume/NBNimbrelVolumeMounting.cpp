@@ -165,8 +165,14 @@ void NBNimbrelVolume::startDisk()
     if (!ofDisk)
         return notifications.mountFailed(noContexts());
     _fuseFS = std::make_shared<UserFileSystem>(std::move(ofDisk), notifications, _services.keeper);
-    backgroundPool().start(DiskStart(_fuseFS, _mountPointFolder, coreTexts(mountOptions()),
-                                     notifications.mountFailed));
+    const ThreadHandover handover;
+    handover.give();
+    backgroundPool().start(
+        [handover, start = DiskStart(_fuseFS, _mountPointFolder, coreTexts(mountOptions()),
+                                     notifications.mountFailed)] {
+            handover.take();
+            start();
+        });
 }
 
 void NBNimbrelVolume::openAndMountIfRequired()
