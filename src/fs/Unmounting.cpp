@@ -37,13 +37,19 @@ int codeOf(std::string_view said)
     return EIO;
 }
 
-// Success is a mount that is gone from the table: what a helper says of itself doesn't count.
+// Success is a mount that is gone from the table: what a helper says of itself doesn't count, nor who
+// has taken it away.
+bool isGone(const Mount &mount)
+{
+    const std::optional<Mount> left = mountAt(mount.point);
+    return !left || left->id != mount.id;
+}
+
 NBDone askFusermount(const Mount &mount, std::vector<std::string> arguments)
 {
     arguments.insert(arguments.end(), {"--", mount.point});
     const NBErrnoOr<std::string> said = runFusermount(arguments);
-    const std::optional<Mount> left = mountAt(mount.point);
-    if (!left || left->id != mount.id)
+    if (isGone(mount))
         return {};
     return NBErrno{said ? codeOf(*said) : said.code()};
 }
@@ -57,8 +63,9 @@ NBDone takeAway(const std::string &mountPoint, int flags, std::vector<std::strin
         if (::umount2(mountPoint.c_str(), flags | UMOUNT_NOFOLLOW) == 0)
             return {};
         // Root of a container may lack the right that the helper outside has.
-        if (errno != EPERM)
-            return NBErrno::last();
+        const NBErrno error = NBErrno::last();
+        if (error.code != EPERM)
+            return isGone(*mount) ? NBDone() : NBDone(error);
     }
     return askFusermount(*mount, std::move(arguments));
 }

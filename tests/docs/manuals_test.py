@@ -69,7 +69,7 @@ class SourcesTest(unittest.TestCase):
     def test_every_picture_is_there_has_a_caption_and_speaks_the_language(self):
         for language in LANGUAGES:
             found = pictures(text_of("manual", language))
-            self.assertEqual(len(found), 7, language)
+            self.assertEqual(len(found), 8, language)
             for caption, path in found:
                 self.assertTrue(caption, path)
                 self.assertTrue(path.endswith(f"-{language}.png"), path)
@@ -106,7 +106,7 @@ class PdfTest(unittest.TestCase):
             path = self.folder / language / "Nimbrel for Mac Manual.pdf"
             lines = subprocess.run(["pdfimages", "-list", str(path)], stdout=subprocess.PIPE,
                                    check=True, timeout=60).stdout.decode().splitlines()
-            self.assertEqual(sum(line.split()[2] == "image" for line in lines[2:]), 7,
+            self.assertEqual(sum(line.split()[2] == "image" for line in lines[2:]), 8,
                              language)
 
 
