@@ -37,8 +37,8 @@ int codeOf(std::string_view said)
     return EIO;
 }
 
-// Success is a mount that is gone from the table: what a helper says of itself doesn't count, nor who
-// has taken it away.
+// Success is a mount that is gone from the table: what a helper says of itself doesn't count, nor
+// who has taken it away.
 bool isGone(const Mount &mount)
 {
     const std::optional<Mount> left = mountAt(mount.point);
