@@ -7,10 +7,10 @@ namespace nimbrel {
 
 namespace {
 
-constexpr qsizetype maximumLine = 500;         // titles, addresses, dates
-constexpr qsizetype maximumVersion = 60;       // a window shows it whole
+constexpr qsizetype maximumLine = 500;                    // titles, addresses, dates
+constexpr qsizetype maximumVersion = 60;                  // a window shows it whole
 constexpr qsizetype maximumNotes = qsizetype{256} * 1024; // characters
-constexpr int maximumDepth = 100;              // of what notes hold as elements
+constexpr int maximumDepth = 100;                         // of what notes hold as elements
 
 bool isWebPage(const QUrl &url)
 {

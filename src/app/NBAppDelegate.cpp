@@ -109,7 +109,8 @@ void NBAppDelegate::noteFirstRun()
 
 void NBAppDelegate::mountVolumes()
 {
-    if (std::is_gt(compareNumerically(_facts.systemVersion, u"10.8")) && _facts.wasLaunchedAsLoginItem)
+    if (std::is_gt(compareNumerically(_facts.systemVersion, u"10.8")) &&
+        _facts.wasLaunchedAsLoginItem)
         _facts.wakeFileBrowser();
     _volumesController->automountVolumes();
 }

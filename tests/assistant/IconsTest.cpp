@@ -30,16 +30,14 @@ TEST_P(NamedIconTest, HasAPicture)
     EXPECT_FALSE(isBlank(picture(icon)));
 }
 
-INSTANTIATE_TEST_SUITE_P(All, NamedIconTest,
-                         ::testing::Values("NSApplicationIcon", "GrayDot", "BlueDot",
-                                           "DisabledGrayDot", "NSCaution", "NSActionTemplate",
-                                           "folder", "documents", "show-password", "hide-password",
-                                           "caps-lock", "encrypted", "encrypted_alt", "decrypted",
-                                           "decrypted_alt", "volume", "volume_unmounted",
-                                           "new_32x32", "add_32x32", "open_32x32", "remove_32x32",
-                                           "mount_32x32", "unmount_32x32", "change_32x32",
-                                           "clear_32x32", "preferences_32x32", "mobile_32x32",
-                                           "mode_32x32"));
+INSTANTIATE_TEST_SUITE_P(
+    All, NamedIconTest,
+    ::testing::Values("NSApplicationIcon", "GrayDot", "BlueDot", "DisabledGrayDot", "NSCaution",
+                      "NSActionTemplate", "folder", "documents", "show-password", "hide-password",
+                      "caps-lock", "encrypted", "encrypted_alt", "decrypted", "decrypted_alt",
+                      "volume", "volume_unmounted", "new_32x32", "add_32x32", "open_32x32",
+                      "remove_32x32", "mount_32x32", "unmount_32x32", "change_32x32", "clear_32x32",
+                      "preferences_32x32", "mobile_32x32", "mode_32x32"));
 
 TEST(IconsTest, ANameThatNobodyKnowsHasNone)
 {
