@@ -62,6 +62,7 @@ public:
     // applicationWillTerminate:  Starts the unmount of each disk and doesn't wait; see OrderlyEnd.
     void applicationWillTerminate();
     void showWelcomeAssistant();
+    void stopAsking() { _userInterface.stopAsking(); } // see ApplicationUserInterface
 
     // False while the list is being read, which may ask the user something.
     [[nodiscard]] bool hasVolumesController() const { return _volumesController != nullptr; }

@@ -175,6 +175,7 @@ void OrderlyEnd::finish(std::chrono::milliseconds patience)
         return;
     SilentPresenter silence;
     Util::setAlertPresenter(&silence);
+    _delegate.stopAsking();
     noteArriving();
     _delegate.applicationWillTerminate();
     unmountLeftBehind();

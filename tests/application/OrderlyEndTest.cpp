@@ -157,6 +157,25 @@ TEST_F(OrderlyEndTest, TheSessionsEndUnmountsADiskThatIsOnItsWay)
     EXPECT_FALSE(QFileInfo(desk.path("Desktop/Late")).isSymLink());
 }
 
+// Without the guard the end waits at a password's question for a person who has logged out.
+TEST_F(OrderlyEndTest, TheSessionsEndAsksForNoPassword)
+{
+    const VolumePtr volume = folder("Late.nmc", QStringLiteral("Late"));
+    volume->setPassphrase(SecureBuffer::copyOf("wrong"));
+    controller().volumes().append(volume);
+    controller().mountVolume(volume);
+    ASSERT_TRUE(volume->isBusy());
+    bool wasAsked = false;
+    Person person({[&](QWidget &window) {
+        wasAsked = true;
+        window.close();
+    }});
+    end->terminate();
+    end->finish();
+    EXPECT_FALSE(wasAsked);
+    EXPECT_FALSE(volume->isBusy());
+}
+
 TEST_F(OrderlyEndTest, TheQuestionsHarmlessAnswerIsTheOneOfEscape)
 {
     const VolumePtr volume = addMounted("Work");
