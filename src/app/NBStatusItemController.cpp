@@ -33,11 +33,15 @@ QIcon icon(const QString &image, const QString &alternateImage)
     return icon;
 }
 
-bool isAnyMounted(const NBVolumesController *controller)
+// Also those that refused to be unmounted when they left the list: they are as open as the others.
+QStringList labelsOfMounted(const NBVolumesController *controller)
 {
-    return controller != nullptr &&
-           std::ranges::any_of(controller->volumes(),
-                               [](const VolumePtr &volume) { return volume->isMounted(); });
+    QStringList labels;
+    if (controller != nullptr)
+        for (const VolumePtr &volume : controller->volumes() + controller->leftBehind())
+            if (volume->isMounted())
+                labels.append(volume->label());
+    return labels;
 }
 
 } // namespace
@@ -88,10 +92,10 @@ void NBStatusItemController::volumeUpdated()
 
 void NBStatusItemController::updateIcon()
 {
-    if (isAnyMounted(_volumesController))
-        setImages(QStringLiteral("decrypted"), QStringLiteral("decrypted_alt"));
-    else
+    if (labelsOfMounted(_volumesController).isEmpty())
         setImages(QStringLiteral("encrypted"), QStringLiteral("encrypted_alt"));
+    else
+        setImages(QStringLiteral("decrypted"), QStringLiteral("decrypted_alt"));
 }
 
 void NBStatusItemController::setImages(const QString &image, const QString &alternateImage)
@@ -106,11 +110,7 @@ void NBStatusItemController::setImages(const QString &image, const QString &alte
 
 QString NBStatusItemController::toolTip() const
 {
-    QStringList mounted;
-    if (_volumesController != nullptr)
-        for (const VolumePtr &volume : std::as_const(_volumesController->volumes()))
-            if (volume->isMounted())
-                mounted.append(volume->label());
+    const QStringList mounted = labelsOfMounted(_volumesController);
     if (mounted.isEmpty())
         return texts::tr("Nimbrel: no disk is mounted");
     return formatted(texts::tr("Nimbrel: mounted: %@"), {mounted.join(QStringLiteral(", "))});

@@ -99,6 +99,18 @@ TEST_F(NBStatusItemControllerTest, ThePictureTellsWhetherAnythingIsDecrypted)
     EXPECT_EQ(statusItem().alternateImage(), QStringLiteral("encrypted_alt"));
 }
 
+// Without that the icon says that all is encrypted while files lie open.
+TEST_F(NBStatusItemControllerTest, ADiskThatRefusedToLeaveWithItsEntryStillCounts)
+{
+    const VolumePtr volume = add("Old", true);
+    controller().volumes().clear();
+    statusItem().updateIcon();
+    EXPECT_EQ(statusItem().image(), QStringLiteral("decrypted"));
+    EXPECT_EQ(statusItem().toolTip(), QStringLiteral("Nimbrel: mounted: Old"));
+    unmount(volume);
+    EXPECT_EQ(statusItem().image(), QStringLiteral("encrypted"));
+}
+
 TEST_F(NBStatusItemControllerTest, TheToolTipTellsTheStateInWords)
 {
     EXPECT_EQ(statusItem().toolTip(), QStringLiteral("Nimbrel: no disk is mounted"));

@@ -3,6 +3,7 @@
 import unittest
 
 from application_test_base import PASSWORD, ApplicationTest
+from earlier_runs import store_password
 from mouse import DragSource
 from readers import stored_passwords
 
@@ -29,7 +30,7 @@ class AdvancedModeTest(ApplicationTest):
         desk = self.sit_down(tray="trayer")
         self.folders = {label: self.make_folder(label) for label in labels}
         for label, folder in self.folders.items():
-            self.store_password(folder, label)
+            store_password(self.desk, folder, label)
         self.remember(*((folder, {"label": label, "automount": False, **differences.get(label, {})})
                         for label, folder in self.folders.items()), advanced="true")
         desk.start_application()
@@ -359,7 +360,7 @@ class NextStartTest(AdvancedModeTest):
         names = ("One", "Two", "Three", "Four")
         self.folders = {label: self.make_folder(label) for label in names}
         for label in ("One", "Three", "Four"):
-            self.store_password(self.folders[label], label)
+            store_password(self.desk, self.folders[label], label)
         self.remember(*((self.folders[label], {"label": label, "automount": label != "Four",
                                                "storePassword": label != "Two"})
                         for label in names), advanced="true")

@@ -12,6 +12,7 @@ import unittest
 from pathlib import Path
 
 from application_test_base import DESKTOP_ENTRY, PASSWORD, ApplicationTest
+from earlier_runs import store_password
 from mouse import DragSource
 from readers import stored_passwords
 
@@ -500,7 +501,7 @@ class OtherFolderTest(ApplicationTest):
         configuration.write_text(re.sub("(<kdfIterations>)\\d+", r"\g<1>10000000",
                                         configuration.read_text(encoding="utf-8")),
                                  encoding="utf-8")
-        self.store_password(diary)
+        store_password(self.desk, diary)
         self.remember((diary, {}))
         desk.start_application()
         self.assertEqual(desk.start_application(letters, observed=False).wait(), 0)

@@ -1,46 +1,18 @@
 """What the scenarios of the whole program share: what an earlier day left, and looks at the disk."""
 
 import os
-import plistlib
-import string
 import subprocess
 import unittest
 from pathlib import Path
 
 from application_desk import ApplicationDesk
 from assistants_test import PASSWORD, nimbrelctl
-from readers import preferences, set_preferences, stored_password, stored_volumes
+from earlier_runs import leave_records, store_password
+from readers import preferences, stored_password, stored_volumes
 
 ITEMS = ("new", "add", "remove", "mount", "unmount", "change", "clear", "preferences", "mobile",
          "mode")
 DESKTOP_ENTRY = ".config/autostart/com.nimbrel.Nimbrel.desktop"
-
-
-def _archive(volumes):
-    """The list of volumes as the program keeps it: readers.stored_volumes backwards."""
-    objects = ["$null"]
-
-    def add(thing):
-        objects.append(thing)
-        return plistlib.UID(len(objects) - 1)
-
-    def add_class(*names):
-        return add({"$classname": names[0], "$classes": list(names)})
-
-    record = add_class("NBNimbrelVolume", "NSObject")
-    records = [add({"$class": record, **{name: add(value) if isinstance(value, str) else value
-                                         for name, value in volume.items()}})
-               for volume in volumes]
-    root = add({"$class": add_class("NSMutableArray", "NSArray", "NSObject"),
-                "NS.objects": records})
-    return plistlib.dumps({"$version": 100000, "$archiver": "NSKeyedArchiver",
-                           "$top": {"root": root}, "$objects": objects}, fmt=plistlib.FMT_BINARY)
-
-
-def _coded(data):
-    """A byte array as QSettings writes it, but for more escapes than needed."""
-    plain = set(string.punctuation + string.ascii_letters) - set('"\\' + string.hexdigits)
-    return "".join(chr(byte) if chr(byte) in plain else f"\\x{byte:x}" for byte in data)
 
 
 class ApplicationTest(unittest.TestCase):
@@ -59,24 +31,18 @@ class ApplicationTest(unittest.TestCase):
         nimbrelctl("create", folder, password=password)
         return folder
 
-    def store_password(self, folder, label="Nimbrel", password=PASSWORD):
-        subprocess.run(["secret-tool", "store", f"--label=Nimbrel: {label} ({folder.name})",
-                        "service", f"Nimbrel: {label}", "account", str(folder)], input=password,
-                       text=True, check=True, env=self.desk.environment, timeout=30)
-
     def remember(self, *volumes, **others):
         """The list of an earlier run: folder, and what differs from a new volume's values."""
         records = [{"version": 1, "root": str(folder), "label": "Nimbrel",
                     "configPath": f"{folder}/.encfs6.xml", "storePassword": True,
                     "automount": True, "checkKey": True, "spotlight": False, "local": False,
                     "allowsAll": False, **differences} for folder, differences in volumes]
-        set_preferences(self.desk, firstRunDate="2024-02-03T10:00:00Z",
-                        volumes=f'"@ByteArray({_coded(_archive(records))})"', **others)
+        leave_records(self.desk, records, **others)
 
     def start_with_a_volume(self, **differences):
         """Simple mode's one volume, its password in the keyring; mounted. Its folder."""
         folder = self.make_folder()
-        self.store_password(folder)
+        store_password(self.desk, folder)
         self.remember((folder, differences))
         self.desk.start_application()
         self.desk.tray.expect_item()

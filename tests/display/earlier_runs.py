@@ -29,16 +29,26 @@ class Volume:
                 "spotlight": False, "local": False, "allowsAll": False}
 
     def store_password(self):
-        subprocess.run(["secret-tool", "store", f"--label={self.label}", "service",
-                        f"Nimbrel: {self.label}", "account", str(self.folder)], input=PASSWORD,
-                       text=True, check=True, env=self.desk.environment, timeout=30)
+        store_password(self.desk, self.folder, self.label)
+
+
+def store_password(desk, folder, label="Nimbrel", password=PASSWORD):
+    """Into the keyring, as a mount does it."""
+    subprocess.run(["secret-tool", "store", f"--label=Nimbrel: {label} ({folder.name})", "service",
+                    f"Nimbrel: {label}", "account", str(folder)], input=password, text=True,
+                   check=True, env=desk.environment, timeout=30)
 
 
 def leave_volumes(desk, *volumes, **values):
     """The list with these volumes, and other preferences. Not a first start any more."""
-    archive = _archive([volume.record() for volume in volumes])
-    coded = "".join("@" if byte == ord("@") else f"\\x{byte:02x}" for byte in archive)
-    info = json.dumps({str(volume.disk): str(volume.folder) for volume in volumes})
+    leave_records(desk, [volume.record() for volume in volumes], **values)
+
+
+def leave_records(desk, records, **values):
+    """The same for records as the archive has them."""
+    coded = "".join("@" if byte == ord("@") else f"\\x{byte:02x}" for byte in _archive(records))
+    info = json.dumps({str(desk.home / "Volumes" / record["label"]): record["root"]
+                       for record in records})
     set_preferences(desk, **{"firstRunDate": "2026-01-01T00:00:00Z", **values,
                              "volumes": f'"@ByteArray({coded})"',
                              "NBVolumesInfo": '"' + info.replace('"', '\\"') + '"'})

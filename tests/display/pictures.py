@@ -122,10 +122,10 @@ class Photographer:
             desk.close()
 
 
-def main():
+def main(photographer_class):
     folder, language, look, scale = sys.argv[1:]
     start = time.monotonic()
-    photographer = Photographer(Path(folder), language, look, int(scale))
+    photographer = photographer_class(Path(folder), language, look, int(scale))
     photographer.simple_mode()
     photographer.advanced_mode()
     print(f"{time.monotonic() - start:.0f} s", *photographer.cut, sep="\n")
@@ -133,4 +133,4 @@ def main():
 
 
 if __name__ == "__main__":
-    main()
+    main(Photographer)

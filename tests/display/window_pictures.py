@@ -7,13 +7,12 @@ with 1 where a control has too little room for its text.
 
 import http.server
 import json
-import sys
 import threading
 import time
-from pathlib import Path
 
 from application_desk import ApplicationDesk
 from assistants_test import PASSWORD, nimbrelctl
+from pictures import main
 from readers import set_preferences
 
 FEED = """<rss version="2.0" xmlns:n="urn:versions"><channel><title>Nimbrel</title><item>
@@ -194,15 +193,5 @@ class Photographer:
         desk.key("Return")
 
 
-def main():
-    folder, language, look, scale = sys.argv[1:]
-    start = time.monotonic()
-    photographer = Photographer(Path(folder), language, look, int(scale))
-    photographer.simple_mode()
-    photographer.advanced_mode()
-    print(f"{time.monotonic() - start:.0f} s", *photographer.cut, sep="\n")
-    sys.exit(1 if photographer.cut else 0)
-
-
 if __name__ == "__main__":
-    main()
+    main(Photographer)
