@@ -9,4 +9,17 @@ namespace nimbrel::bench {
 
 inline constexpr std::size_t blockSize = 4096;
 
+// Memory that begins with a page, as the system's own buffers do.
+class PageBytes final
+{
+public:
+    explicit PageBytes(std::size_t size);
+
+    [[nodiscard]] ByteSpan bytes() noexcept { return _bytes; }
+
+private:
+    Bytes _memory;
+    ByteSpan _bytes;
+};
+
 } // namespace nimbrel::bench

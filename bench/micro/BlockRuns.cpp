@@ -16,13 +16,13 @@ constexpr std::int64_t computedStart = std::int64_t{1} << 32; // no vector of th
 void cryptRuns(benchmark::State &state, Form form)
 {
     const NBCryptor cryptor = usualCryptor();
-    const Bytes data(static_cast<std::size_t>(state.range(0)) * blockSize, 0x5A);
-    Bytes out(data.size());
+    PageBytes data(static_cast<std::size_t>(state.range(0)) * blockSize);
+    PageBytes out(data.bytes().size());
     const auto firstBlock = static_cast<std::uint64_t>(state.range(1));
     for (auto _ : state)
-        if (!(cryptor.*form)(data, firstBlock, out))
+        if (!(cryptor.*form)(data.bytes(), firstBlock, out.bytes()))
             state.SkipWithError("failed");
-    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(data.size()));
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(data.bytes().size()));
 }
 
 void encryptRuns(benchmark::State &state)

@@ -49,6 +49,35 @@ void decodeNames(benchmark::State &state)
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(nameCount));
 }
 
+// The same into one string.
+void appendNames(benchmark::State &state)
+{
+    const NBCryptor cryptor = usualCryptor();
+    const std::vector<std::string> names = manyNames(static_cast<std::size_t>(state.range(0)));
+    std::string stored;
+    for (auto _ : state)
+        for (const std::string &name : names) {
+            stored.clear();
+            if (!cryptor.encodeName(name, stored))
+                state.SkipWithError("failed");
+        }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(nameCount));
+}
+
+void replaceNames(benchmark::State &state)
+{
+    const NBCryptor cryptor = usualCryptor();
+    std::vector<std::string> stored;
+    for (const std::string &name : manyNames(static_cast<std::size_t>(state.range(0))))
+        stored.push_back(cryptor.encodeString(name).value());
+    std::string plain;
+    for (auto _ : state)
+        for (const std::string &name : stored)
+            if (!cryptor.decodeName(name, plain))
+                state.SkipWithError("failed");
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(nameCount));
+}
+
 // A cryptor that has seen no name yet derives every vector.
 void decodeNamesFirstTime(benchmark::State &state)
 {
@@ -72,6 +101,8 @@ void decodeNamesFirstTime(benchmark::State &state)
 
 BENCHMARK(encodeNames)->Arg(8)->Arg(20)->Arg(100);
 BENCHMARK(decodeNames)->Arg(8)->Arg(20)->Arg(100);
+BENCHMARK(appendNames)->Arg(8)->Arg(20)->Arg(100);
+BENCHMARK(replaceNames)->Arg(8)->Arg(20)->Arg(100);
 BENCHMARK(decodeNamesFirstTime)->Arg(20);
 
 } // namespace

@@ -30,8 +30,8 @@ void decryptPieces(benchmark::State &state)
     cryptPieces(state, &NBCryptor::decryptRun);
 }
 
-BENCHMARK(encryptPieces)->Arg(16)->Arg(100)->Arg(904)->Arg(4095);
-BENCHMARK(decryptPieces)->Arg(16)->Arg(100)->Arg(904)->Arg(4095);
+BENCHMARK(encryptPieces)->Arg(20)->Arg(100)->Arg(1000)->Arg(4095);
+BENCHMARK(decryptPieces)->Arg(20)->Arg(100)->Arg(1000)->Arg(4095);
 
 } // namespace
 

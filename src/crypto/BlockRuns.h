@@ -7,11 +7,8 @@
 
 namespace nimbrel {
 
-// The most blocks of one call; a caller takes longer runs in such batches.
-inline constexpr std::size_t blockBatch = 32;
-
-// `vectors` has one vector for each block of `blockSize` bytes, at most blockBatch; `data` and
-// `out` have that many blocks and are the same memory or apart. CBC, each block a chain of its own.
+// `vectors` has one vector for each block of `blockSize` bytes; `data` and `out` have that many
+// blocks and are the same memory or apart. CBC, each block a chain of its own.
 // False on failure, as with a block size that isn't a whole number of cipher blocks.
 [[nodiscard]] bool encryptBlocks(ByteView data, std::size_t blockSize,
                                  std::span<const Vector> vectors, std::uint8_t *out,

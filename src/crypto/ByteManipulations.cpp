@@ -10,6 +10,9 @@ namespace {
 
 constexpr std::size_t flipRun = 64;
 constexpr std::size_t wordSize = sizeof(std::uint64_t);
+constexpr std::uint64_t everyByte = 0x0101010101010101;
+
+using Word = std::uint64_t __attribute__((vector_size(16)));
 
 // Eight bytes as a number whose low byte is the first one, on any machine.
 std::uint64_t loadWord(const std::uint8_t *bytes) noexcept
@@ -50,16 +53,17 @@ void flipBytes(ByteSpan bytes) noexcept
 
 void shuffleBytes(ByteSpan bytes) noexcept
 {
-    // Within a word three doubling steps make every byte the XOR of all before it.
-    std::uint64_t carry = 0; // the last new byte
+    // Within a word three doubling steps make every byte the XOR of all before it. What came before
+    // the word is laid over it at last: only that one step has to wait for the word before.
+    std::uint64_t carry = 0; // the last new byte, in all places
     std::size_t i = 0;
     for (; i + wordSize <= bytes.size(); i += wordSize) {
-        std::uint64_t word = loadWord(bytes.data() + i) ^ carry;
+        std::uint64_t word = loadWord(bytes.data() + i);
         word ^= word << 8U;
         word ^= word << 16U;
         word ^= word << 32U;
-        storeWord(bytes.data() + i, word);
-        carry = word >> 56U;
+        storeWord(bytes.data() + i, word ^ carry);
+        carry ^= (word >> 56U) * everyByte;
     }
     for (; i < bytes.size(); ++i) {
         carry ^= bytes[i];
@@ -69,18 +73,19 @@ void shuffleBytes(ByteSpan bytes) noexcept
 
 void unshuffleBytes(ByteSpan bytes) noexcept
 {
-    std::uint64_t before = 0; // the byte before, still shuffled
-    std::size_t i = 0;
-    for (; i + wordSize <= bytes.size(); i += wordSize) {
-        const std::uint64_t word = loadWord(bytes.data() + i);
-        storeWord(bytes.data() + i, word ^ (word << 8U) ^ before);
-        before = word >> 56U;
+    // From the end on, where the byte before is still shuffled.
+    std::size_t end = bytes.size();
+    for (; end > sizeof(Word); end -= sizeof(Word)) {
+        std::uint8_t *last = bytes.data() + end - sizeof(Word);
+        Word word;
+        Word before;
+        std::memcpy(&word, last, sizeof word);
+        std::memcpy(&before, last - 1, sizeof before);
+        word ^= before;
+        std::memcpy(last, &word, sizeof word);
     }
-    for (; i < bytes.size(); ++i) {
-        const std::uint8_t shuffled = bytes[i];
-        bytes[i] = static_cast<std::uint8_t>(shuffled ^ before);
-        before = shuffled;
-    }
+    for (; end > 1; --end)
+        bytes[end - 1] = static_cast<std::uint8_t>(bytes[end - 1] ^ bytes[end - 2]);
 }
 
 } // namespace nimbrel

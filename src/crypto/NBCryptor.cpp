@@ -14,6 +14,7 @@ namespace nimbrel {
 namespace {
 
 constexpr std::size_t freshSaltSize = 20;
+constexpr std::size_t blockBatch = 32; // blocks whose vectors are looked up at a time
 
 std::int64_t keySizeOf(const NBCryptorSettings &settings)
 {
@@ -183,8 +184,8 @@ bool NBCryptor::cryptWholeBlocks(ByteView data, std::uint64_t firstBlock, std::u
         const std::size_t count = std::min<std::size_t>(blockBatch, data.size() / _blockSize);
         const std::span<Vector> vectors = std::span(kept).first(count);
         const ByteView part = data.first(count * _blockSize);
-        if (!_vectors->fill(firstBlock, vectors, _key) ||
-            !cryptBlocks(part, _blockSize, vectors, out, _key.contexts()))
+        _vectors->fill(firstBlock, vectors, _key);
+        if (!cryptBlocks(part, _blockSize, vectors, out, _key.contexts()))
             return false;
         data = data.subspan(part.size());
         out += part.size();
@@ -195,9 +196,9 @@ bool NBCryptor::cryptWholeBlocks(ByteView data, std::uint64_t firstBlock, std::u
 
 bool NBCryptor::cryptPiece(ByteSpan data, std::uint64_t seed, CryptMode mode) const
 {
-    const std::optional<StreamVectors> vectors = _vectors->ofStream(seed, _key);
+    const StreamVectors vectors = _vectors->ofStream(seed, _key);
     const auto cryptStream = mode == CryptMode::Decrypt ? decryptStream : encryptStream;
-    return vectors && cryptStream(data, *vectors, _key.contexts());
+    return cryptStream(data, vectors, _key.contexts());
 }
 
 } // namespace nimbrel

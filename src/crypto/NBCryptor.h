@@ -110,6 +110,13 @@ public:
     // isn't one of ours.
     [[nodiscard]] std::optional<std::string> decodeString(std::string_view string) const;
 
+    // The same for hot paths: nothing is allocated where the caller's string has the room.
+    // encodeName leaves what is there and appends; false on failure, with nothing appended.
+    // decodeName replaces; false where decodeString gives nothing, with `plain` empty. The view
+    // never lies in the string.
+    [[nodiscard]] bool encodeName(std::string_view plain, std::string &appendedTo) const;
+    [[nodiscard]] bool decodeName(std::string_view stored, std::string &plain) const;
+
     // The class operations, in place; the key is any key. False on failure, data half processed.
     [[nodiscard]] static bool streamCrypt(ByteSpan data, std::uint64_t iv,
                                           const NBEncryptionKey &key, CryptMode mode);
@@ -144,7 +151,7 @@ private:
 
     bool _checkKey;
     std::uint64_t _blockSize;
-    NBEncryptionKey _key; // owns the OpenSSL handles; no OpenSSL type leaves crypto/
+    NBEncryptionKey _key; // owns the engine; no OpenSSL type leaves crypto/
     Bytes _salt;
     std::uint64_t _kdfIterations;
     std::unique_ptr<VectorTable> _vectors;

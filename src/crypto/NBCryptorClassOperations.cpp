@@ -1,9 +1,12 @@
 // The operations that any key can do, without a folder.
 #include "crypto/BlockRuns.h"
+#include "crypto/CipherContexts.h"
 #include "crypto/NBCryptor.h"
 #include "crypto/StreamForm.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstring>
 
 namespace nimbrel {
 
@@ -22,16 +25,20 @@ SeedBytes seedBytes(std::uint64_t seed) noexcept
     return bytes;
 }
 
+// Eight bytes as a number whose high byte is the first one, on any machine.
+std::uint64_t bigEndian(const std::uint8_t *bytes) noexcept
+{
+    std::uint64_t number = 0;
+    std::memcpy(&number, bytes, sizeof number);
+    return std::endian::native == std::endian::big ? number : __builtin_bswap64(number);
+}
+
 // The digest's bytes but the last, laid over eight bytes that are read high byte first.
 std::uint64_t folded(const MacDigest &digest) noexcept
 {
-    SeedBytes fold{};
-    for (std::size_t i = 0; i + 1 < digest.size(); ++i)
-        fold[i % fold.size()] = static_cast<std::uint8_t>(fold[i % fold.size()] ^ digest[i]);
-    std::uint64_t code = 0;
-    for (const std::uint8_t byte : fold)
-        code = code << 8U | byte;
-    return code;
+    const std::uint64_t rest = std::uint64_t{digest[16]} << 56U | std::uint64_t{digest[17]} << 48U |
+                               std::uint64_t{digest[18]} << 40U;
+    return bigEndian(digest.data()) ^ bigEndian(digest.data() + 8) ^ rest;
 }
 
 } // namespace
@@ -55,20 +62,15 @@ bool NBCryptor::blockCrypt(ByteSpan data, std::uint64_t iv, const NBEncryptionKe
 
 std::optional<NBCryptor::Vector> NBCryptor::getIv(std::uint64_t seed, const NBEncryptionKey &key)
 {
-    const std::optional<MacDigest> digest = key.contexts().hmac(key.ivData(), seedBytes(seed));
-    if (!digest)
-        return std::nullopt;
+    const MacDigest digest = key.contexts().hmac().digest(key.ivData(), seedBytes(seed));
     Vector vector;
-    std::copy_n(digest->begin(), vector.size(), vector.begin());
+    std::copy_n(digest.begin(), vector.size(), vector.begin());
     return vector;
 }
 
 std::optional<std::uint64_t> NBCryptor::mac64(ByteView data, const NBEncryptionKey &key)
 {
-    const std::optional<MacDigest> digest = key.contexts().hmac(data);
-    if (!digest)
-        return std::nullopt;
-    return folded(*digest);
+    return folded(key.contexts().hmac().digest(data));
 }
 
 std::optional<std::uint64_t> NBCryptor::mac32(ByteView data, const NBEncryptionKey &key)

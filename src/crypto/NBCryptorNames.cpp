@@ -1,46 +1,76 @@
 // One name and its stored form: a 16-bit code of the plain name, which is also the vector seed,
 // then the enciphered name.
-#include "crypto/Base64.h"
 #include "crypto/NBCryptor.h"
+#include "crypto/StoredName.h"
 #include "crypto/Utf8.h"
+
+#include <algorithm>
 
 namespace nimbrel {
 
 namespace {
 
 constexpr std::size_t codeSize = 2;
-constexpr unsigned byteBits = 8;
-constexpr unsigned characterBits = 6;
+
+ByteSpan bytesIn(std::string &text) noexcept
+{
+    return {reinterpret_cast<std::uint8_t *>(text.data()), text.size()};
+}
 
 } // namespace
 
 std::optional<std::string> NBCryptor::encodeString(std::string_view string) const
 {
-    const ByteView plain = bytesOf(string);
-    const std::optional<std::uint64_t> code = mac16(plain, _key);
-    if (!code)
+    std::string stored;
+    if (!encodeName(string, stored))
         return std::nullopt;
-    Bytes stored;
-    stored.reserve(codeSize + plain.size());
-    stored.push_back(static_cast<std::uint8_t>(*code >> 8U));
-    stored.push_back(static_cast<std::uint8_t>(*code));
-    stored.insert(stored.end(), plain.begin(), plain.end());
-    if (!cryptPiece(ByteSpan(stored).subspan(codeSize), *code, CryptMode::Encrypt))
-        return std::nullopt;
-    return base64EncodedASCIIString(changeBase2(stored, byteBits, characterBits, true));
+    return stored;
 }
 
 std::optional<std::string> NBCryptor::decodeString(std::string_view string) const
 {
-    Bytes stored = changeBase2(dataWithBase64ASCIIString(string), characterBits, byteBits, false);
-    if (stored.size() < codeSize)
+    std::string plain;
+    if (!decodeName(string, plain))
         return std::nullopt;
-    const std::uint64_t code = std::uint64_t{stored[0]} << 8U | stored[1];
-    const ByteSpan name = ByteSpan(stored).subspan(codeSize);
-    if (!cryptPiece(name, code, CryptMode::Decrypt) || mac16(name, _key) != code ||
-        !isUtf8(textOf(name)))
-        return std::nullopt;
-    return std::string(textOf(name));
+    return plain;
+}
+
+bool NBCryptor::encodeName(std::string_view plain, std::string &appendedTo) const
+{
+    const std::optional<std::uint64_t> code = mac16(bytesOf(plain), _key);
+    if (!code)
+        return false;
+    const std::size_t before = appendedTo.size();
+    appendedTo.resize(before + storedNameLength(codeSize + plain.size()));
+    // The bytes are made at the text's end, and regrouping from there never overtakes them.
+    const ByteSpan bytes = bytesIn(appendedTo).last(codeSize + plain.size());
+    bytes[0] = static_cast<std::uint8_t>(*code >> 8U);
+    bytes[1] = static_cast<std::uint8_t>(*code);
+    const ByteSpan name = bytes.subspan(codeSize);
+    std::copy(plain.begin(), plain.end(), name.begin());
+    if (!cryptPiece(name, *code, CryptMode::Encrypt)) {
+        appendedTo.resize(before);
+        return false;
+    }
+    writeStoredName(bytes, appendedTo.data() + before);
+    return true;
+}
+
+bool NBCryptor::decodeName(std::string_view stored, std::string &plain) const
+{
+    plain.resize(storedNameBytes(stored.size()));
+    readStoredName(stored, bytesIn(plain));
+    if (plain.size() < codeSize) {
+        plain.clear();
+        return false;
+    }
+    const std::uint64_t code = std::uint64_t{bytesIn(plain)[0]} << 8U | bytesIn(plain)[1];
+    plain.erase(0, codeSize);
+    const bool good = cryptPiece(bytesIn(plain), code, CryptMode::Decrypt) &&
+                      mac16(bytesIn(plain), _key) == code && isUtf8(plain);
+    if (!good)
+        plain.clear();
+    return good;
 }
 
 } // namespace nimbrel

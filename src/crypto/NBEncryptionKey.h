@@ -12,7 +12,7 @@
 
 namespace nimbrel {
 
-class CipherContexts; // the prepared OpenSSL contexts of one key; stays inside crypto/
+class CipherContexts; // what its operations share; stays inside crypto/
 
 // A folder's volume key, or the short-lived key that a passphrase gives. Sizes in arguments are in
 // bits, keySize() is in bytes. Not thread-safe: its contexts are shared by all operations.

@@ -17,8 +17,4 @@ struct StreamVectors
 [[nodiscard]] bool decryptStream(ByteSpan data, const StreamVectors &vectors,
                                  CipherContexts &contexts);
 
-// One of the two passes: CFB over 128 bits (NIST SP 800-38A), in place, any length.
-[[nodiscard]] bool encryptFeedback(ByteSpan data, const Vector &vector, CipherContexts &contexts);
-[[nodiscard]] bool decryptFeedback(ByteSpan data, const Vector &vector, CipherContexts &contexts);
-
 } // namespace nimbrel

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 namespace nimbrel {
 
@@ -44,10 +46,24 @@ bool isContinuation(char c) noexcept
     return (static_cast<unsigned char>(c) & 0xC0U) == 0x80;
 }
 
+// How many bytes at the start are ASCII, in steps of a word.
+std::size_t asciiWords(std::string_view text) noexcept
+{
+    constexpr std::uint64_t highBits = 0x8080808080808080;
+    std::size_t at = 0;
+    for (std::uint64_t word = 0; at + sizeof word <= text.size(); at += sizeof word) {
+        std::memcpy(&word, text.data() + at, sizeof word);
+        if ((word & highBits) != 0)
+            break;
+    }
+    return at;
+}
+
 } // namespace
 
 bool isUtf8(std::string_view text) noexcept
 {
+    text.remove_prefix(asciiWords(text)); // most names are nothing else
     while (!text.empty()) {
         const Sequence sequence = sequenceOf(static_cast<unsigned char>(text.front()));
         text.remove_prefix(1);

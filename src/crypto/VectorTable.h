@@ -7,7 +7,6 @@
 #include <bitset>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <span>
 
 namespace nimbrel {
@@ -21,18 +20,16 @@ class VectorTable final
 public:
     VectorTable();
 
-    // The vectors of the seeds from `first` on, which wrap at 64 bits. False when the library
-    // fails. One table serves one key.
-    [[nodiscard]] bool fill(std::uint64_t first, std::span<Vector> vectors,
-                            const NBEncryptionKey &key);
-    // Those of a stream piece; nothing when the library fails.
-    [[nodiscard]] std::optional<StreamVectors> ofStream(std::uint64_t seed,
-                                                        const NBEncryptionKey &key);
+    // The vectors of the seeds from `first` on, which wrap at 64 bits. One table serves one key.
+    void fill(std::uint64_t first, std::span<Vector> vectors, const NBEncryptionKey &key);
+    // Those of a stream piece.
+    [[nodiscard]] StreamVectors ofStream(std::uint64_t seed, const NBEncryptionKey &key);
 
 private:
     static constexpr std::size_t keptSeeds = 65536;
 
-    [[nodiscard]] bool get(std::uint64_t seed, Vector &vector, const NBEncryptionKey &key);
+    void copyKept(std::size_t first, std::span<Vector> vectors, const NBEncryptionKey &key);
+    static void derive(std::uint64_t first, std::span<Vector> vectors, const NBEncryptionKey &key);
 
     std::unique_ptr<Vector[]> _vectors;
     std::bitset<keptSeeds> _known;

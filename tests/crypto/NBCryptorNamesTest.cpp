@@ -3,6 +3,7 @@
 #include "crypto/Reference.h"
 #include "crypto/StoredName.h"
 #include "crypto/TestKeys.h"
+#include "crypto/Utf8.h"
 
 #include <gtest/gtest.h>
 
@@ -31,6 +32,29 @@ protected:
         const Bytes cipher = reference::stream(name, code, key, reference::Direction::Encrypt);
         stored.insert(stored.end(), cipher.begin(), cipher.end());
         return base64EncodedASCIIString(changeBase2(stored, 8, 6, true));
+    }
+
+    // The plain form of any text, made step by step.
+    [[nodiscard]] std::optional<std::string> plainFormOf(std::string_view text) const
+    {
+        const Bytes stored = changeBase2(dataWithBase64ASCIIString(text), 6, 8, false);
+        if (stored.size() < 2)
+            return std::nullopt;
+        const std::uint64_t code = std::uint64_t{stored[0]} << 8U | stored[1];
+        const Bytes name = reference::stream({stored.begin() + 2, stored.end()}, code, key,
+                                             reference::Direction::Decrypt);
+        if (reference::mac16(name, key) != code || !isUtf8(textOf(name)))
+            return std::nullopt;
+        return std::string(textOf(name));
+    }
+
+    [[nodiscard]] std::optional<std::string> decodedName(std::string_view stored) const
+    {
+        std::string plain = "left from before";
+        if (cryptor.decodeName(stored, plain))
+            return plain;
+        EXPECT_EQ(plain, "");
+        return std::nullopt;
     }
 };
 
@@ -157,6 +181,57 @@ TEST_F(NBCryptorNamesTest, ANameTakesNotesOfNothingBesideItself)
     (void)cryptor.decodeString("whatever");
     (void)cryptor.encrypt(noiseBytes(10'000));
     EXPECT_EQ(encoded("first"), first);
+}
+
+TEST_F(NBCryptorNamesTest, AppendedNamesAreThoseOfTheReference)
+{
+    for (std::size_t i = 0; i < 4000; ++i) {
+        const Bytes name = noiseBytes(i % 256, i);
+        const std::string stored = storedFormOf(name);
+        std::string path = "before/";
+        ASSERT_TRUE(cryptor.encodeName(textOf(name), path));
+        ASSERT_EQ(path, "before/" + stored) << i;
+        ASSERT_EQ(cryptor.encodeString(textOf(name)), stored) << i;
+        ASSERT_EQ(decodedName(stored), plainFormOf(stored)) << i;
+    }
+}
+
+TEST_F(NBCryptorNamesTest, NamesOfAllScriptsComeBack)
+{
+    for (const std::string_view name : {"", "a", "Grüße", "Отчёт", "報告書.txt", "تقرير",
+                                        "🙂🙃", "e\xCC\x81", " ", "\n", "%2F"}) {
+        EXPECT_EQ(decodedName(encoded(name)), name);
+        EXPECT_EQ(cryptor.decodeString(encoded(name)), name);
+    }
+}
+
+// About one in 65,536 passes the test of the code; then the names have to be the same.
+TEST_F(NBCryptorNamesTest, AnyTextsDecodeAsStepByStep)
+{
+    for (std::size_t i = 0; i < 20'000; ++i) {
+        const Bytes noise = noiseBytes(i % 64, i);
+        std::string text(textOf(noise));
+        if (i % 2 == 0)
+            text = base64EncodedASCIIString(noise);
+        const std::optional<std::string> plain = plainFormOf(text);
+        ASSERT_EQ(decodedName(text), plain) << i;
+        ASSERT_EQ(cryptor.decodeString(text), plain) << i;
+    }
+}
+
+TEST_F(NBCryptorNamesTest, AStringWithRoomStaysWhereItIs)
+{
+    std::string stored;
+    std::string plain;
+    stored.reserve(1000);
+    plain.reserve(1000);
+    const char *storedPlace = stored.data();
+    const char *plainPlace = plain.data();
+    ASSERT_TRUE(cryptor.encodeName(nameOfLength(255), stored));
+    ASSERT_TRUE(cryptor.decodeName(stored, plain));
+    EXPECT_EQ(plain, nameOfLength(255));
+    EXPECT_EQ(stored.data(), storedPlace);
+    EXPECT_EQ(plain.data(), plainPlace);
 }
 
 } // namespace nimbrel::test

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace nimbrel::test {
 
 namespace {
@@ -60,6 +62,31 @@ TEST(StoredNameTest, StrayBitsInTheLastCharacterAreNot)
             ASSERT_EQ(changeBase2(changed, 6, 8, false), bytes) << "the bit belongs to a byte";
             EXPECT_FALSE(isCanonicalStoredName(base64EncodedASCIIString(changed))) << size;
         }
+    }
+}
+
+TEST(StoredNameTest, WritingIsRegroupingAndTheAlphabetForEveryLength)
+{
+    for (std::size_t size = 0; size <= 300; ++size) {
+        const Bytes bytes = noiseBytes(size, size);
+        std::string stored(storedNameLength(size), '?');
+        writeStoredName(bytes, stored.data());
+        ASSERT_EQ(stored, base64EncodedASCIIString(changeBase2(bytes, 8, 6, true))) << size;
+        std::string inPlace(storedNameLength(size), '?');
+        std::ranges::copy(textOf(bytes), inPlace.end() - static_cast<std::ptrdiff_t>(size));
+        writeStoredName(bytesOf(inPlace).last(size), inPlace.data());
+        ASSERT_EQ(inPlace, stored) << size;
+    }
+}
+
+TEST(StoredNameTest, ReadingIsTheAlphabetAndRegroupingForAnyCharacters)
+{
+    for (std::size_t size = 0; size <= 300; ++size) {
+        const Bytes noise = noiseBytes(size, size);
+        const std::string_view stored = textOf(noise);
+        Bytes bytes(storedNameBytes(size));
+        readStoredName(stored, bytes);
+        ASSERT_EQ(bytes, changeBase2(dataWithBase64ASCIIString(stored), 6, 8, false)) << size;
     }
 }
 

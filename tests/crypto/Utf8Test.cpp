@@ -94,4 +94,17 @@ TEST(Utf8Test, AWrongByteBehindGoodTextIsFound)
     EXPECT_FALSE(isUtf8("日本語\xE6\x97 und weiter"));
 }
 
+TEST(Utf8Test, AWrongByteIsFoundAtEveryPlace)
+{
+    for (std::size_t size = 1; size <= 40; ++size) {
+        std::string text(size, 'a');
+        EXPECT_TRUE(isUtf8(text));
+        for (char &place : text) {
+            place = static_cast<char>(0x80);
+            EXPECT_FALSE(isUtf8(text)) << size;
+            place = 'a';
+        }
+    }
+}
+
 } // namespace nimbrel::test
