@@ -16,6 +16,8 @@ public:
     // Forgets what was kept before. EIO where the bytes can't be read.
     NBDone keep(int descriptor, ByteRange range);
     void keepNothing() noexcept { _range = {0, 0}; }
+    // The bytes of a part of what was kept; nothing where it wasn't.
+    [[nodiscard]] ByteView keptOf(ByteRange range) const;
 
     // Makes the file end or go on readably where the block at `start` was replaced in part: a block
     // of the old file gets its bytes back, and the file its old size; one behind the old file's end
@@ -23,7 +25,6 @@ public:
     NBDone mend(int descriptor, std::int64_t start, BlockLayout old);
 
 private:
-    [[nodiscard]] ByteView keptOf(ByteRange range) const;
     NBDone putBack(int descriptor, ByteRange block, std::int64_t blockSize);
 
     ReusedBuffer _buffer;

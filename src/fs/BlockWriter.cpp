@@ -1,5 +1,6 @@
 #include "fs/BlockWriter.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <unistd.h>
 #include <utility>
@@ -31,6 +32,15 @@ NBDone BlockWriter::read(NBFileHandle &file, ByteSpan to, std::int64_t start)
 NBDone BlockWriter::keep(NBFileHandle &file, ByteRange range)
 {
     return _mending.keep(file.descriptor.get(), range);
+}
+
+NBDone BlockWriter::readKept(ByteSpan to, std::int64_t start)
+{
+    const ByteView kept = _mending.keptOf({start, start + static_cast<std::int64_t>(to.size())});
+    if (kept.size() != to.size())
+        return NBErrno{EIO};
+    std::ranges::copy(kept, to.begin());
+    return _delegate.decipherBlocks(to, start) ? NBDone() : NBErrno{EIO};
 }
 
 BlockWriter::Taken BlockWriter::offer(NBFileHandle &file, ByteView blocks, std::int64_t start)

@@ -21,6 +21,8 @@ public:
 
     // What the store may leave half done: kept before put, or not at all.
     NBDone keep(NBFileHandle &file, ByteRange range);
+    // What was kept of one block, made plain. EIO where it wasn't kept.
+    NBDone readKept(ByteSpan to, std::int64_t start);
     void keepNothing() noexcept { _mending.keepNothing(); }
 
     struct Result

@@ -10,8 +10,8 @@ FuseDisk::FuseDisk(std::shared_ptr<NBNimbrelFS> filesystem)
 NBErrnoOr<struct stat> FuseDisk::attributesOf(Node &node)
 {
     // The kernel often asks without a handle, also about a file that has no name any more.
-    if (!node.openFiles.empty())
-        return tree.attributes(node.openFiles.front()->handle);
+    if (node.isOpen())
+        return tree.attributes(node.openFiles().front()->handle);
     const NBErrnoOr<std::string> path = nodes.pathOf(node);
     if (!path)
         return path.error();
@@ -20,7 +20,7 @@ NBErrnoOr<struct stat> FuseDisk::attributesOf(Node &node)
         return attributes;
     if (attributes.code() == ENOENT || attributes.code() == ENOTDIR)
         return NBErrno{ESTALE};
-    if (attributes && (attributes->st_ino != node.inode || attributes->st_dev != node.device))
+    if (attributes && !isSameItem(node, *attributes))
         return NBErrno{ESTALE};
     return attributes;
 }
@@ -35,7 +35,7 @@ NBErrnoOr<std::string> FuseDisk::checkedPathOf(Node &node)
         return NBErrno{ESTALE};
     if (!attributes)
         return attributes.error();
-    if (attributes->st_ino != node.inode || attributes->st_dev != node.device)
+    if (!isSameItem(node, *attributes))
         return NBErrno{ESTALE};
     return path;
 }

@@ -3,10 +3,13 @@
 
 #include "fs/GuardedContent.h"
 #include "fs/GuardedTree.h"
+#include "fs/KeptListings.h"
 #include "fs/NodeTable.h"
+#include "fs/OpenFolder.h"
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
@@ -18,14 +21,7 @@ struct OpenFile
     NBFileHandle handle;
     Node *node = nullptr;
     bool isWritable = false;
-    int pendingError = 0; // errno of a failed write, told once more by flush or fsync
-};
-
-// One open folder: its listing as it was when reading began.
-struct OpenFolder
-{
-    std::vector<NBDirectoryEntry> entries;
-    bool isFresh = true; // listed, and nothing of it given out
+    int pendingError = 0; // errno of a failed write, told once more by fsync
 };
 
 // The kernel's handles, owned here: what it never gives back goes with the disk.
@@ -50,6 +46,12 @@ private:
     std::unordered_map<T *, std::unique_ptr<T>> _objects;
 };
 
+// Whether these are attributes of the item that `node` stands for.
+[[nodiscard]] inline bool isSameItem(const Node &node, const struct stat &attributes) noexcept
+{
+    return attributes.st_ino == node.inode && attributes.st_dev == node.device;
+}
+
 // Lives on the FUSE thread alone.
 struct FuseDisk
 {
@@ -61,7 +63,11 @@ struct FuseDisk
     NodeTable nodes;
     Handles<OpenFile> files;
     Handles<OpenFolder> folders;
-    Bytes readBuffer;               // kept over requests: a fresh one costs more than the read
+    KeptListings listings;
+    Bytes readBuffer;               // of replies; a fresh one costs more than the read
+    bool dropsPrivileges = false;   // the write at hand takes set-uid bits away
+    std::optional<mode_t> umask;    // the thread's, once a request has set it
+    std::uint64_t greeting = 0;     // the kernel's greeting while it isn't answered; 0: none
     std::function<void()> didStart; // called when the kernel has said hello
     // Makes the kernel ask for a node's attributes before it uses them again.
     std::function<void(std::uint64_t number)> forgetAttributes;

@@ -65,25 +65,29 @@ bool isEmpty(const NBItemAttributes &attributes)
 
 OpenFile *writableFile(const Node &node)
 {
-    for (OpenFile *file : node.openFiles)
+    for (OpenFile *file : node.openFiles())
         if (file->isWritable)
             return file;
     return nullptr;
 }
 
-NBDone setSize(FuseDisk &disk, Node &node, OpenFile *file, off_t size)
+NBDone setSize(FuseDisk &disk, Node &node, OpenFile *file, off_t size, bool dropsPrivileges)
 {
+    const auto work = [&](NBFileHandle &handle) {
+        const NBDone dropped = dropsPrivileges ? disk.tree.dropPrivileges(handle) : NBDone();
+        return dropped ? disk.content.setSize(handle, size) : dropped;
+    };
     if (file == nullptr || !file->isWritable)
         file = writableFile(node);
     if (file != nullptr)
-        return disk.content.setSize(file->handle, size);
+        return work(file->handle);
     const NBErrnoOr<std::string> path = disk.checkedPathOf(node);
     if (!path)
         return path.error();
     NBErrnoOr<NBFileHandle> handle = disk.tree.open(*path, O_RDWR);
     if (!handle)
         return handle.error();
-    const NBDone done = disk.content.setSize(*handle, size);
+    const NBDone done = work(*handle);
     disk.delegate->releaseFileAtPath(*path, *handle);
     return done;
 }
@@ -92,8 +96,8 @@ NBDone setOthers(FuseDisk &disk, Node &node, OpenFile *file, const NBItemAttribu
 {
     if (isEmpty(attributes))
         return {};
-    if (file == nullptr && !node.openFiles.empty())
-        file = node.openFiles.front();
+    if (file == nullptr && node.isOpen())
+        file = node.openFiles().front();
     if (file != nullptr)
         return disk.tree.setAttributes(file->handle, attributes);
     const NBErrnoOr<std::string> path = disk.checkedPathOf(node);
@@ -112,7 +116,9 @@ void setAttributes(fuse_req_t request, fuse_ino_t number, struct stat *values, i
             return node.error();
         OpenFile *file = info == nullptr ? nullptr : &fileOf(*info);
         if ((toSet & FUSE_SET_ATTR_SIZE) != 0)
-            if (const NBDone done = setSize(disk, **node, file, values->st_size); !done)
+            if (const NBDone done = setSize(disk, **node, file, values->st_size,
+                                            (toSet & FUSE_SET_ATTR_KILL_SUID) != 0);
+                !done)
                 return done;
         if (const NBDone done = setOthers(disk, **node, file, wanted(*values, toSet)); !done)
             return done;

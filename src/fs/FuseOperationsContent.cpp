@@ -9,15 +9,12 @@ namespace {
 
 // Whether the kernel's pages of this file are still what is on disk. If not they go with the open,
 // and the kernel asks for size and times anew.
-bool keepsPages(FuseDisk &disk, Node &node, const NBFileHandle &handle)
+bool keepsPages(FuseDisk &disk, Node &node, const struct stat &attributes)
 {
-    const NBErrnoOr<struct stat> attributes = disk.tree.attributes(handle);
-    if (!attributes)
-        return false;
-    const ContentVersion now = ContentVersion::of(*attributes);
-    if (now == node.version)
+    const ContentVersion now = ContentVersion::of(attributes);
+    if (now == node.version())
         return true;
-    node.version = now;
+    node.setVersion(now);
     disk.forgetAttributes(node.number);
     return false;
 }
@@ -49,6 +46,25 @@ void handOver(FuseDisk &disk, Node &node, NBFileHandle handle, fuse_file_info &i
         closeFile(disk, info.fh);
 }
 
+// Opens what the kernel means. Looked at once it is open: a look before would be one more walk
+// along the path, and would tell of the moment before.
+NBErrnoOr<NBFileHandle> openNode(FuseDisk &disk, Node &node, int flags, struct stat &attributes)
+{
+    const NBErrnoOr<std::string> path = disk.nodes.pathOf(node);
+    if (!path)
+        return path.error();
+    NBErrnoOr<NBFileHandle> handle = disk.tree.open(*path, flags);
+    if (!handle) {
+        const NBErrnoOr<std::string> checked = disk.checkedPathOf(node);
+        return checked ? handle.error() : checked.error();
+    }
+    const NBErrnoOr<struct stat> opened = disk.tree.attributes(*handle);
+    if (!opened)
+        return opened.error();
+    attributes = *opened;
+    return isSameItem(node, attributes) ? std::move(handle) : NBErrno{ESTALE};
+}
+
 void open(fuse_req_t request, fuse_ino_t number, fuse_file_info *info)
 {
     answer(request, [&]() -> NBDone {
@@ -56,13 +72,11 @@ void open(fuse_req_t request, fuse_ino_t number, fuse_file_info *info)
         const NBErrnoOr<Node *> node = nodeOf(disk, number);
         if (!node)
             return node.error();
-        const NBErrnoOr<std::string> path = disk.checkedPathOf(**node);
-        if (!path)
-            return path.error();
-        NBErrnoOr<NBFileHandle> handle = disk.tree.open(*path, info->flags);
+        struct stat attributes = {};
+        NBErrnoOr<NBFileHandle> handle = openNode(disk, **node, info->flags, attributes);
         if (!handle)
             return handle.error();
-        info->keep_cache = keepsPages(disk, **node, *handle) ? 1 : 0;
+        info->keep_cache = keepsPages(disk, **node, attributes) ? 1 : 0;
         handOver(disk, **node, std::move(*handle), *info,
                  [&] { return fuse_reply_open(request, info); });
         return {};
@@ -91,7 +105,7 @@ void create(fuse_req_t request, fuse_ino_t folderNumber, const char *name, mode_
             return attributes.error();
         const fuse_entry_param entry = entryFor(disk, **folder, name, *attributes);
         Node &node = *disk.nodes.find(entry.ino);
-        node.version = ContentVersion::of(*attributes);
+        node.setVersion(ContentVersion::of(*attributes));
         handOver(disk, node, std::move(*handle), *info, [&] {
             const int refused = fuse_reply_create(request, &entry, info);
             if (refused != 0)
@@ -122,8 +136,12 @@ void write(fuse_req_t request, fuse_ino_t, const char *data, std::size_t size, o
 {
     answer(request, [&]() -> NBDone {
         OpenFile &file = fileOf(*info);
-        const NBErrnoOr<std::size_t> done = diskOf(request).content.write(
-            file.handle, bytesOf(std::string_view(data, size)), offset);
+        FuseDisk &disk = diskOf(request);
+        if (disk.dropsPrivileges)
+            if (const NBDone dropped = disk.tree.dropPrivileges(file.handle); !dropped)
+                return dropped;
+        const NBErrnoOr<std::size_t> done =
+            disk.content.write(file.handle, bytesOf(std::string_view(data, size)), offset);
         if (!done) {
             file.pendingError = done.code();
             return done.error();
@@ -141,11 +159,6 @@ int takePendingError(OpenFile &file)
 NBDone asDone(int code)
 {
     return code == 0 ? NBDone() : NBDone(NBErrno{code});
-}
-
-void flush(fuse_req_t request, fuse_ino_t, fuse_file_info *info)
-{
-    answerDone(request, [&] { return asDone(takePendingError(fileOf(*info))); });
 }
 
 void sync(fuse_req_t request, fuse_ino_t, int dataOnly, fuse_file_info *info)
@@ -166,7 +179,7 @@ void release(fuse_req_t request, fuse_ino_t, fuse_file_info *info)
         // What the pages hold is what was written through this handle.
         if (file.isWritable)
             if (const auto attributes = disk.tree.attributes(file.handle); attributes)
-                file.node->version = ContentVersion::of(*attributes);
+                file.node->setVersion(ContentVersion::of(*attributes));
         closeFile(disk, info->fh);
         return {};
     });
@@ -175,8 +188,14 @@ void release(fuse_req_t request, fuse_ino_t, fuse_file_info *info)
 void allocate(fuse_req_t request, fuse_ino_t, int mode, off_t offset, off_t length,
               fuse_file_info *info)
 {
-    answerDone(request, [&] {
-        return diskOf(request).content.allocate(fileOf(*info).handle, mode, offset, length);
+    answerDone(request, [&]() -> NBDone {
+        FuseDisk &disk = diskOf(request);
+        NBFileHandle &handle = fileOf(*info).handle;
+        // The kernel doesn't say whether the caller may keep set-uid bits; only root may.
+        if (fuse_req_ctx(request)->uid != 0)
+            if (const NBDone dropped = disk.tree.dropPrivileges(handle); !dropped)
+                return dropped;
+        return disk.content.allocate(handle, mode, offset, length);
     });
 }
 
@@ -196,11 +215,11 @@ void seek(fuse_req_t request, fuse_ino_t, off_t offset, int whence, fuse_file_in
 
 void addContentOperations(fuse_lowlevel_ops &operations)
 {
+    // No flush: every write has told its error, and a request less for each file that is closed.
     operations.open = open;
     operations.create = create;
     operations.read = read;
     operations.write = write;
-    operations.flush = flush;
     operations.fsync = sync;
     operations.release = release;
     operations.fallocate = allocate;

@@ -8,29 +8,32 @@ namespace nimbrel {
 
 namespace {
 
-constexpr off_t ownEntries = 2; // "." and ".." come before a folder's entries
-
-NBErrnoOr<std::vector<NBDirectoryEntry>> listNode(FuseDisk &disk, fuse_ino_t number)
+NBErrnoOr<GuardedListing> openListing(FuseDisk &disk, Node &node)
 {
-    const NBErrnoOr<Node *> node = nodeOf(disk, number);
-    if (!node)
-        return node.error();
-    const NBErrnoOr<std::string> path = disk.nodes.pathOf(**node);
+    const NBErrnoOr<std::string> path = disk.nodes.pathOf(node);
     if (!path)
         return path.error();
-    return disk.tree.list(*path);
+    return GuardedListing::open(*disk.delegate, *path);
 }
 
 void openFolder(fuse_req_t request, fuse_ino_t number, fuse_file_info *info)
 {
     answer(request, [&]() -> NBDone {
         FuseDisk &disk = diskOf(request);
-        NBErrnoOr<std::vector<NBDirectoryEntry>> entries = listNode(disk, number);
-        if (!entries)
-            return entries.error();
-        auto folder = std::make_unique<OpenFolder>();
-        folder->entries = std::move(*entries);
-        info->fh = disk.folders.add(std::move(folder));
+        const NBErrnoOr<Node *> node = nodeOf(disk, number);
+        if (!node)
+            return node.error();
+        NBErrnoOr<GuardedListing> listing = openListing(disk, **node);
+        if (!listing)
+            return listing.error();
+        const NBErrnoOr<struct stat> attributes = listing->attributes();
+        if (!attributes)
+            return attributes.error();
+        if (*node != &disk.nodes.root() && !isSameItem(**node, *attributes))
+            return NBErrno{ESTALE};
+        info->cache_readdir = 1;
+        info->keep_cache = disk.listings.keeps(number, *attributes) ? 1 : 0;
+        info->fh = disk.folders.add(std::make_unique<OpenFolder>(*std::move(listing)));
         if (fuse_reply_open(request, info) != 0)
             disk.folders.remove(info->fh);
         return {};
@@ -47,67 +50,72 @@ void closeFolder(fuse_req_t request, fuse_ino_t, fuse_file_info *info)
 class ListingReply
 {
 public:
-    ListingReply(fuse_req_t request, Node &folder, std::size_t size, bool withAttributes)
-        : _request(request), _folder(folder), _buffer(size), _withAttributes(withAttributes)
+    ListingReply(fuse_req_t request, Node &folder, OpenFolder &open, std::size_t size,
+                 bool withAttributes)
+        : _request(request), _disk(diskOf(request)), _folder(folder), _open(open),
+          _withAttributes(withAttributes)
     {
+        if (_disk.readBuffer.size() < size)
+            _disk.readBuffer.resize(size);
+        _room = {reinterpret_cast<char *>(_disk.readBuffer.data()), size};
     }
 
     // False when it doesn't fit any more.
-    bool add(const char *name, ino_t inode, unsigned char type, off_t next)
+    bool add(const NBDirectoryEntry &item)
     {
-        fuse_entry_param entry{};
-        entry.attr.st_ino = inode;
-        entry.attr.st_mode = static_cast<mode_t>(DTTOIF(type));
-        return put(name, entry, next);
-    }
-
-    bool add(const NBDirectoryEntry &item, off_t next)
-    {
-        if (!_withAttributes)
-            return add(item.name.c_str(), item.inode, item.type, next);
-        FuseDisk &disk = diskOf(_request);
-        const NBErrnoOr<std::string> path = disk.nodes.pathOf(_folder, item.name);
-        if (!path)
-            return add(item.name.c_str(), item.inode, item.type, next);
-        const NBErrnoOr<struct stat> attributes = disk.tree.attributes(*path);
-        // Gone by now: the name alone, which makes the kernel look for itself.
-        if (!attributes)
-            return add(item.name.c_str(), item.inode, item.type, next);
+        if (!_withAttributes || isDotName(item.name))
+            return addName(item);
+        // Looked at only where there is room: whoever is told of it holds a reference.
         if (!fits(item.name.c_str()))
             return false;
-        const fuse_entry_param entry = entryFor(disk, _folder, item.name, *attributes);
-        if (put(item.name.c_str(), entry, next)) {
-            _referred.push_back(entry.ino);
-            return true;
-        }
-        disk.nodes.forget(entry.ino, 1);
-        return false;
+        const NBErrnoOr<struct stat> attributes = _open.attributesOf(item);
+        // Gone by now: the name alone, which makes the kernel look for itself.
+        if (!attributes)
+            return addName(item);
+        const fuse_entry_param entry = entryFor(_disk, _folder, item.name, *attributes);
+        _referred.push_back(entry.ino);
+        return put(item, entry);
     }
 
     void send()
     {
-        if (fuse_reply_buf(_request, _buffer.data(), _used) == 0)
+        if (fuse_reply_buf(_request, _room.data(), _used) == 0)
             return;
-        FuseDisk &disk = diskOf(_request);
         for (const fuse_ino_t number : _referred)
-            disk.nodes.forget(number, 1);
+            _disk.nodes.forget(number, 1);
     }
 
+    [[nodiscard]] bool isEmpty() const noexcept { return _used == 0; }
+
 private:
-    [[nodiscard]] bool fits(const char *name)
+    bool addName(const NBDirectoryEntry &item)
+    {
+        fuse_entry_param entry{};
+        entry.attr.st_ino = item.inode;
+        entry.attr.st_mode = static_cast<mode_t>(DTTOIF(item.type));
+        // What is above the disk is nobody's business here.
+        if (item.name == ".." && &_folder == &_disk.nodes.root())
+            if (const NBErrnoOr<struct stat> own = _open.attributes(); own)
+                entry.attr.st_ino = own->st_ino;
+        return put(item, entry);
+    }
+
+    [[nodiscard]] bool fits(const char *name) const
     {
         const fuse_entry_param entry{};
         return fuse_add_direntry_plus(_request, nullptr, 0, name, &entry, 0) <=
-               _buffer.size() - _used;
+               _room.size() - _used;
     }
 
-    bool put(const char *name, const fuse_entry_param &entry, off_t next)
+    bool put(const NBDirectoryEntry &item, const fuse_entry_param &entry)
     {
-        char *place = _buffer.data() + _used;
-        const std::size_t room = _buffer.size() - _used;
+        char *place = _room.data() + _used;
+        const std::size_t room = _room.size() - _used;
+        const char *name = item.name.c_str();
         const std::size_t size =
-            _withAttributes ? fuse_add_direntry_plus(_request, place, room, name, &entry, next)
-                            : fuse_add_direntry(_request, place, room, name, &entry.attr, next);
+            _withAttributes
+                ? fuse_add_direntry_plus(_request, place, room, name, &entry, item.next)
+                : fuse_add_direntry(_request, place, room, name, &entry.attr, item.next);
         if (size > room)
             return false;
         _used += size;
@@ -115,54 +123,34 @@ private:
     }
 
     fuse_req_t _request;
+    FuseDisk &_disk;
     Node &_folder;
-    std::vector<char> _buffer;
+    OpenFolder &_open;
+    std::span<char> _room;
     std::vector<fuse_ino_t> _referred;
     std::size_t _used = 0;
     bool _withAttributes;
 };
-
-ino_t inodeOf(FuseDisk &disk, const Node &folder)
-{
-    if (&folder != &disk.nodes.root())
-        return folder.inode;
-    const NBErrnoOr<struct stat> attributes = disk.tree.attributes("/");
-    return attributes ? attributes->st_ino : NodeTable::rootNumber;
-}
-
-bool addOwnEntry(ListingReply &reply, FuseDisk &disk, Node &folder, off_t offset)
-{
-    if (offset == 0)
-        return reply.add(".", inodeOf(disk, folder), DT_DIR, 1);
-    const Node &above = folder.names.empty() ? folder : *folder.names.front()->folder;
-    return reply.add("..", inodeOf(disk, above), DT_DIR, ownEntries);
-}
 
 void giveListing(fuse_req_t request, fuse_ino_t number, std::size_t size, off_t offset,
                  const fuse_file_info *info, bool withAttributes)
 {
     answer(request, [&]() -> NBDone {
         FuseDisk &disk = diskOf(request);
-        OpenFolder &open = folderOf(*info);
-        if (offset == 0 && !open.isFresh) { // rewinddir: what is there now
-            NBErrnoOr<std::vector<NBDirectoryEntry>> entries = listNode(disk, number);
-            if (!entries)
-                return entries.error();
-            open.entries = std::move(*entries);
-        }
-        open.isFresh = false;
         const NBErrnoOr<Node *> folder = nodeOf(disk, number);
         if (!folder)
             return folder.error();
-        ListingReply reply(request, **folder, size, withAttributes);
-        const off_t end = ownEntries + static_cast<off_t>(open.entries.size());
-        for (off_t at = offset; at < end; ++at) {
-            const bool added =
-                at < ownEntries
-                    ? addOwnEntry(reply, disk, **folder, at)
-                    : reply.add(open.entries[static_cast<std::size_t>(at - ownEntries)], at + 1);
-            if (!added)
+        OpenFolder &open = folderOf(*info);
+        open.moveTo(offset);
+        ListingReply reply(request, **folder, open, size, withAttributes);
+        for (;;) {
+            const NBErrnoOr<const NBDirectoryEntry *> item = open.peek();
+            // What came before the error is given first; the error comes again.
+            if (!item && reply.isEmpty())
+                return item.error();
+            if (!item || *item == nullptr || !reply.add(**item))
                 break;
+            open.take();
         }
         reply.send();
         return {};

@@ -26,7 +26,13 @@ void lookup(fuse_req_t request, fuse_ino_t folder, const char *name)
         const NBErrnoOr<Node *> node = nodeOf(disk, folder);
         if (!node)
             return node.error();
-        return replyEntry(request, **node, name);
+        const NBDone replied = replyEntry(request, **node, name);
+        if (replied.code() != ENOENT)
+            return replied;
+        fuse_entry_param nothing{}; // number 0: remembered as missing
+        nothing.entry_timeout = attributesStay;
+        fuse_reply_entry(request, &nothing);
+        return {};
     });
 }
 

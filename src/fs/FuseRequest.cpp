@@ -7,7 +7,10 @@ namespace nimbrel {
 Creator creatorOf(fuse_req_t request)
 {
     const fuse_ctx *context = fuse_req_ctx(request);
-    ::umask(context->umask);
+    std::optional<mode_t> &known = diskOf(request).umask;
+    if (known != context->umask)
+        ::umask(context->umask);
+    known = context->umask;
     return {context->uid, context->gid};
 }
 

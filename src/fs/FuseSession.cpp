@@ -1,6 +1,7 @@
 #include "fs/FuseSession.h"
 
 #include "fs/FuseOperations.h"
+#include "fs/FuseTransport.h"
 #include "fs/MountKeeper.h"
 #include "fs/MountOptions.h"
 #include "fs/MountPointCheck.h"
@@ -117,7 +118,8 @@ std::optional<MountFailure> FuseSession::start(const std::string &path,
     // Told before it stands: a death in between must not leave it.
     if (_keeper != nullptr)
         _keeper->keep(_mountPoint);
-    if (fuse_session_mount(_session, _mountPoint.c_str()) != 0) {
+    if (fuse_session_mount(_session, _mountPoint.c_str()) != 0 || !installTransport(_session)) {
+        fuse_session_unmount(_session); // no more than a word where it isn't mounted
         if (_keeper != nullptr)
             _keeper->forget(_mountPoint);
         end();

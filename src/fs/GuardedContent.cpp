@@ -12,7 +12,9 @@ namespace nimbrel {
 
 namespace {
 
-constexpr std::size_t largestPiece = std::size_t{64} << 20U; // the delegate's counts have 32 bits
+// What goes through the cipher at a time: on its way to the store it is still in the processor's
+// cache.
+constexpr std::size_t cachedPiece = std::size_t{256} << 10U; // bytes
 constexpr int mostTries = 4;
 constexpr std::int64_t storePage = 4096; // no store takes less of a page than its own blocks
 
@@ -50,11 +52,25 @@ GuardedContent::GuardedContent(NBNimbrelFS &delegate) : _delegate(delegate), _bl
     delegate.setReadsHolesAsZeros(delegate.settings().allowHoles);
 }
 
+// Whole blocks, and at least one.
+std::size_t GuardedContent::largestPiece() const noexcept
+{
+    const auto block = static_cast<std::size_t>(blockSize());
+    return std::max(block, cachedPiece - cachedPiece % block);
+}
+
 NBErrnoOr<std::size_t> GuardedContent::read(NBFileHandle &file, ByteSpan buffer,
                                             std::int64_t offset)
 {
     if (offset < 0 || !hasBlocks())
         return NBErrno{EINVAL};
+    // The usual request: whole blocks, all of which the file has.
+    if (offset % blockSize() == 0 && buffer.size() <= largestPiece() &&
+        buffer.size() % static_cast<std::size_t>(blockSize()) == 0)
+        if (const NBErrnoOr<std::size_t> got =
+                _delegate.readFileAtPath(noPath, file, buffer, offset);
+            got && *got == buffer.size())
+            return got;
     NBErrno error{EIO};
     std::int64_t oldSize = -1;
     for (int i = 0; i < mostTries; ++i) {
@@ -89,7 +105,7 @@ NBErrnoOr<std::size_t> GuardedContent::readUpTo(NBFileHandle &file, ByteSpan buf
         const std::int64_t start = layout.blockStart(at);
         const auto before = static_cast<std::size_t>(at - start);
         const ByteSpan piece =
-            buffer.subspan(done, std::min(buffer.size() - done, largestPiece - before));
+            buffer.subspan(done, std::min(buffer.size() - done, largestPiece() - before));
         const auto end = at + static_cast<std::int64_t>(piece.size());
         const std::int64_t readEnd = std::min(layout.blockEnd(end), fileSize);
         // The delegate's count only tells of whole blocks, so it is asked for no other.
@@ -141,7 +157,7 @@ NBErrnoOr<std::size_t> GuardedContent::write(NBFileHandle &file, ByteView data, 
     while (done < data.size()) {
         const std::int64_t at = offset + static_cast<std::int64_t>(done);
         const std::size_t begun = static_cast<std::size_t>(at % blockSize());
-        const std::size_t size = std::min(data.size() - done, largestPiece - begun);
+        const std::size_t size = std::min(data.size() - done, largestPiece() - begun);
         const NBErrnoOr<std::size_t> put = writePiece(file, data.subspan(done, size), at);
         if (!put && done > 0)
             return done;
@@ -168,18 +184,19 @@ NBErrnoOr<std::size_t> GuardedContent::writePiece(NBFileHandle &file, ByteView d
         if (const NBDone grown = grow(file, oldSize, start); !grown)
             return grown.error();
     const BlockLayout layout{std::max(start, oldSize), blockSize()};
-    const NBErrnoOr<ByteView> blocks = compose(file, data, offset, layout);
-    BlockWriter::Result result{0, blocks.code()};
-    if (blocks) {
-        const std::int64_t end = start + static_cast<std::int64_t>(blocks->size());
-        const ByteRange replaced{start, std::min(end, layout.fileSize)};
-        const bool isKept =
-            !replaced.isEmpty() && (blocks->data() != data.data() ||
-                                    isWorthKeeping(*attributes, blockSize(), {start, end}));
-        const NBDone kept = _blocks.keep(file, isKept ? replaced : ByteRange{start, start});
-        result.error = kept.code();
-        if (kept)
-            result = _blocks.put(file, *blocks, start, layout);
+    const auto end = offset + static_cast<std::int64_t>(data.size());
+    const ByteRange blocks{start, std::max(end, std::min(layout.fileSize, layout.blockEnd(end)))};
+    const bool isWhole = offset == blocks.from && end == blocks.to;
+    const ByteRange replaced{start, std::min(blocks.to, layout.fileSize)};
+    const bool isKept =
+        !replaced.isEmpty() && (!isWhole || isWorthKeeping(*attributes, blockSize(), blocks));
+    const NBDone kept = _blocks.keep(file, isKept ? replaced : ByteRange{start, start});
+    BlockWriter::Result result{0, kept.code()};
+    if (kept) {
+        const NBErrnoOr<ByteView> bytes = isWhole ? data : compose(data, offset, blocks, layout);
+        result.error = bytes.code();
+        if (bytes)
+            result = _blocks.put(file, *bytes, start, layout);
     }
     // The part of the caller's bytes that stands on disk.
     const auto before = static_cast<std::size_t>(offset - start);
@@ -193,35 +210,31 @@ NBErrnoOr<std::size_t> GuardedContent::writePiece(NBFileHandle &file, ByteView d
     return NBErrno{result.error};
 }
 
-NBErrnoOr<ByteView> GuardedContent::compose(NBFileHandle &file, ByteView data, std::int64_t offset,
+NBErrnoOr<ByteView> GuardedContent::compose(ByteView data, std::int64_t offset, ByteRange blocks,
                                             BlockLayout layout)
 {
     const std::int64_t end = offset + static_cast<std::int64_t>(data.size());
-    const std::int64_t start = layout.blockStart(offset);
     const std::int64_t lastStart = layout.blockStart(end - 1);
-    const std::int64_t newEnd = std::max(end, std::min(layout.fileSize, layout.blockEnd(end)));
-    if (offset == start && end == newEnd)
-        return data;
-    const std::optional<ByteSpan> room = _composed.take(static_cast<std::size_t>(newEnd - start));
+    const std::optional<ByteSpan> room = _composed.take(static_cast<std::size_t>(blocks.size()));
     if (!room)
         return NBErrno{ENOMEM};
     // The old bytes of the block at `at`; what the file doesn't have of it stays zeros.
     const auto fill = [&](std::int64_t at) -> NBDone {
-        const auto position = static_cast<std::size_t>(at - start);
+        const auto position = static_cast<std::size_t>(at - blocks.from);
         const auto size = std::min(room->size() - position, static_cast<std::size_t>(blockSize()));
         const ByteSpan block = room->subspan(position, size);
         const std::int64_t old = std::clamp<std::int64_t>(layout.fileSize - at, 0, blockSize());
         std::fill(block.begin() + old, block.end(), std::uint8_t{0});
         return old == 0 ? NBDone()
-                        : _blocks.read(file, block.first(static_cast<std::size_t>(old)), at);
+                        : _blocks.readKept(block.first(static_cast<std::size_t>(old)), at);
     };
-    if (offset > start || lastStart == start)
-        if (const NBDone filled = fill(start); !filled)
+    if (offset > blocks.from || lastStart == blocks.from)
+        if (const NBDone filled = fill(blocks.from); !filled)
             return filled.error();
-    if (newEnd > end && lastStart != start)
+    if (blocks.to > end && lastStart != blocks.from)
         if (const NBDone filled = fill(lastStart); !filled)
             return filled.error();
-    std::memcpy(room->data() + (offset - start), data.data(), data.size());
+    std::memcpy(room->data() + (offset - blocks.from), data.data(), data.size());
     return ByteView(*room);
 }
 

@@ -39,12 +39,13 @@ private:
     [[nodiscard]] std::int64_t blockSize() const noexcept { return _blocks.blockSize(); }
     // False for a configuration whose blocks have no length: there is no content then.
     [[nodiscard]] bool hasBlocks() const noexcept { return blockSize() > 0; }
+    [[nodiscard]] std::size_t largestPiece() const noexcept; // bytes
     NBErrnoOr<std::size_t> readUpTo(NBFileHandle &file, ByteSpan buffer, std::int64_t offset,
                                     std::int64_t fileSize);
     NBDone readBlocks(NBFileHandle &file, ByteSpan to, std::int64_t start);
     NBErrnoOr<std::size_t> writePiece(NBFileHandle &file, ByteView data, std::int64_t offset);
-    // The whole blocks that a write replaces: `data`, and what stands beside it in them.
-    NBErrnoOr<ByteView> compose(NBFileHandle &file, ByteView data, std::int64_t offset,
+    // The whole blocks that a write replaces: `data`, and what was kept of what stands beside it.
+    NBErrnoOr<ByteView> compose(ByteView data, std::int64_t offset, ByteRange blocks,
                                 BlockLayout layout);
     NBDone writeZeros(NBFileHandle &file, ByteRange range);
 

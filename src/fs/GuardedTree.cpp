@@ -1,18 +1,15 @@
 #include "fs/GuardedTree.h"
 
-#include "crypto/StoredName.h"
 #include "crypto/Utf8.h"
 #include "fs/ConfigurationProtection.h"
-#include "fs/DirectoryNames.h"
+#include "fs/LinkLength.h"
 #include "fs/OnDiskPath.h"
 #include "fs/PlainPath.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <unordered_set>
 
 namespace nimbrel {
 
@@ -20,18 +17,6 @@ namespace {
 
 constexpr std::size_t longestStoredName = 255;         // bytes, on every usual store
 constexpr std::size_t longestEncryptedPlainName = 189; // its stored form has 255 bytes
-
-// Of a target whose stored form has `stored` characters: 6 bits each, 2 bytes of them the code.
-off_t plainTargetLength(off_t stored)
-{
-    return std::max<off_t>(stored * 6 / 8 - 2, 0);
-}
-
-bool canBeName(std::string_view name)
-{
-    return !name.empty() && !isDotName(name) && name.find('/') == std::string_view::npos &&
-           name.find('\0') == std::string_view::npos;
-}
 
 } // namespace
 
@@ -70,7 +55,6 @@ NBErrnoOr<struct stat> GuardedTree::attributes(const std::string &path)
         return attributes;
     if (nameOf(path).empty())
         return rootAttributes();
-    // From the stored length alone: to read the target would be an access, with a time of its own.
     attributes->st_size = plainTargetLength(attributes->st_size);
     return attributes;
 }
@@ -100,24 +84,6 @@ NBErrnoOr<struct statvfs> GuardedTree::fileSystem(const std::string &path)
     if (figures)
         figures->f_namemax = longestName();
     return figures;
-}
-
-NBErrnoOr<std::vector<NBDirectoryEntry>> GuardedTree::list(const std::string &path)
-{
-    NBErrnoOr<std::vector<NBDirectoryEntry>> entries = _delegate.entriesOfDirectoryAtPath(path);
-    if (!entries)
-        return entries;
-    // What the encoder wouldn't write can't be opened by its plain name: that leads to another
-    // stored name. Of a canonical one that decodes, the encoder gives every byte again.
-    const bool areEncrypted = _delegate.settings().areFilenamesEncrypted;
-    std::erase_if(*entries, [&](const NBDirectoryEntry &entry) {
-        return !canBeName(entry.name) || (areEncrypted && !isCanonicalStoredName(entry.storedName));
-    });
-    std::unordered_set<std::string> seen;
-    seen.reserve(entries->size());
-    std::erase_if(*entries,
-                  [&](const NBDirectoryEntry &entry) { return !seen.insert(entry.name).second; });
-    return entries;
 }
 
 NBErrnoOr<std::string> GuardedTree::linkTarget(const std::string &path)

@@ -29,8 +29,6 @@ public:
     NBErrnoOr<struct stat> attributes(const std::string &path);
     NBErrnoOr<struct stat> attributes(const NBFileHandle &file);
     NBErrnoOr<struct statvfs> fileSystem(const std::string &path); // f_namemax is longestName()
-    // Without "." and "..", names that can't be names, and stored names that can't be opened.
-    NBErrnoOr<std::vector<NBDirectoryEntry>> list(const std::string &path);
 
     NBErrnoOr<NBFileHandle> open(const std::string &path, int flags);
     // `mode` is applied under the process's umask, so that default ACLs of the folder count; the
@@ -52,6 +50,9 @@ public:
     // Of an open file, also of one that has no name any more.
     NBDone setAttributes(NBFileHandle &file, const NBItemAttributes &attributes);
     NBDone syncFolder(const std::string &path);
+    // Takes set-uid and set-gid bits off a file that is about to be changed by somebody who may not
+    // keep them. A store does so itself, but not for root's writes.
+    NBDone dropPrivileges(const NBFileHandle &file);
 
     NBErrnoOr<std::vector<std::string>> extendedAttributes(const std::string &path);
     NBErrnoOr<Bytes> extendedAttribute(const std::string &path, const std::string &name);

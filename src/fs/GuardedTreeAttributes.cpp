@@ -84,6 +84,19 @@ NBDone GuardedTree::setAttributes(NBFileHandle &file, const NBItemAttributes &at
     return {};
 }
 
+NBDone GuardedTree::dropPrivileges(const NBFileHandle &file)
+{
+    if (!mayChangeOwners())
+        return {};
+    const NBErrnoOr<struct stat> attributes = this->attributes(file);
+    if (!attributes)
+        return attributes.error();
+    const mode_t mode = attributes->st_mode & 07777U;
+    // Without the right to execute, set-gid is an old sign for locks and stays.
+    const mode_t dropped = (mode & S_IXGRP) != 0 ? S_ISUID | S_ISGID : S_ISUID;
+    return (mode & dropped) == 0 ? NBDone() : changeMode(file.descriptor.get(), mode & ~dropped);
+}
+
 // Not by the delegate, which loses its way behind a name that isn't ASCII: a copy of such a file
 // would ask for attributes that aren't there, and fail.
 NBErrnoOr<std::vector<std::string>> GuardedTree::extendedAttributes(const std::string &path)
@@ -109,7 +122,11 @@ NBErrnoOr<std::vector<std::string>> GuardedTree::extendedAttributes(const std::s
 
 NBErrnoOr<Bytes> GuardedTree::extendedAttribute(const std::string &path, const std::string &name)
 {
-    return _delegate.valueOfExtendedAttribute(name, path);
+    NBErrnoOr<Bytes> value = _delegate.valueOfExtendedAttribute(name, path);
+    // "None here" is asked again for each file of a listing, "not on this disk" once.
+    if (value.code() == ENODATA && name == "security.selinux")
+        return NBErrno{EOPNOTSUPP};
+    return value;
 }
 
 NBDone GuardedTree::setExtendedAttribute(const std::string &path, const std::string &name,

@@ -26,8 +26,9 @@ struct NBDirectoryEntry
 {
     std::string name;       // plain
     std::string storedName; // as it stands on disk
-    ino_t inode;
-    unsigned char type; // DT_* of readdir(3)
+    ino_t inode = 0;
+    unsigned char type = 0; // DT_* of readdir(3)
+    off_t next = 0;         // where the entry behind it stands in the folder, as the store tells
 };
 
 // A listing tells its error beside what it has: an unreadable folder lists as empty (kept, see
@@ -91,11 +92,14 @@ public:
     [[nodiscard]] std::string _securePathWithPath(const std::string &path);
     [[nodiscard]] std::string _encodePath(const std::string &path) const;
     [[nodiscard]] std::string _decodeFilename(const std::string &storedName) const;
+    // The cache has no limit of its own; whoever looks up very many paths keeps it small.
+    [[nodiscard]] std::size_t cachedPaths() { return _pathCache.size(); }
+    void purgePathCache() { _pathCache.purge(); }
 
     // Names.
     [[nodiscard]] NBDirectoryListing contentsOfDirectoryAtPath(const std::string &path);
-    // The same listing with what the folder tells of each entry, and an error instead of emptiness.
-    NBErrnoOr<std::vector<NBDirectoryEntry>> entriesOfDirectoryAtPath(const std::string &path);
+    // Gives an entry of a folder its plain name; false where the listing hides it.
+    [[nodiscard]] bool isListed(NBDirectoryEntry &entry, bool isInRoot) const;
     // createDirectoryAtPath:attributes:error:  with the permissions of `attributes`, if any.
     NBDone createDirectoryAtPath(const std::string &path, const NBItemAttributes &attributes);
     // createFileAtPath:attributes:userData:error:  truncates an existing file; `additionalFlags`
@@ -117,6 +121,9 @@ public:
                                           ByteSpan buffer, std::int64_t offset);
     NBErrnoOr<std::size_t> writeFileAtPath(const std::string &path, NBFileHandle &userData,
                                            ByteView buffer, std::int64_t offset);
+    // A run of blocks as it stands on disk, made plain in place as reading makes it; `offset` is where
+    // it begins in the file. False when the cipher failed.
+    [[nodiscard]] bool decipherBlocks(ByteSpan run, std::int64_t offset) const;
     void releaseFileAtPath(const std::string &path, NBFileHandle &userData);
 
     // Attributes.
@@ -150,8 +157,8 @@ private:
         std::size_t enciphered = 0;
     };
 
-    NBDone listFolder(const std::string &path, std::vector<NBDirectoryEntry> &entries);
-    [[nodiscard]] bool isListed(NBDirectoryEntry &entry, bool isRoot) const;
+    [[nodiscard]] std::string onDiskPathOf(const std::string &path);
+    NBDone listFolder(const std::string &path, std::vector<std::string> &names);
 
     // False where block arithmetic would divide by zero; the configuration's reader lets such
     // block sizes pass.

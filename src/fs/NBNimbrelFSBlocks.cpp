@@ -126,6 +126,11 @@ std::size_t NBNimbrelFS::encipher(ByteView data, std::uint64_t firstBlock, ByteS
     return done;
 }
 
+bool NBNimbrelFS::decipherBlocks(ByteSpan run, std::int64_t offset) const
+{
+    return hasBlocks() && decipher(run, static_cast<std::uint64_t>(offset));
+}
+
 bool NBNimbrelFS::decipher(ByteSpan run, std::uint64_t start) const
 {
     const std::uint64_t firstBlock = start / _cryptor.blockSize();

@@ -114,11 +114,13 @@ NBErrnoOr<std::size_t> NBNimbrelFS::writeFileAtPath(const std::string & /*path*/
         return std::size_t{0};
 
     const int descriptor = userData.descriptor.get();
-    const NBErrnoOr<std::uint64_t> known = sizeOfFile(descriptor);
-    const std::uint64_t fileSize = known ? *known : 0;
     const std::uint64_t lastBlock = (end - 1) / blockSize;
+    // Only a block that is replaced in part can need what is on disk.
+    const bool isWhole = end % blockSize == 0 && start == static_cast<std::uint64_t>(offset);
+    const NBErrnoOr<std::uint64_t> known = isWhole ? std::uint64_t{0} : sizeOfFile(descriptor);
+    const std::uint64_t fileSize = known ? *known : 0;
     const std::uint64_t endOnDisk =
-        lastBlock * blockSize + bytesInBlock(blockSize, fileSize, lastBlock);
+        isWhole ? end : lastBlock * blockSize + bytesInBlock(blockSize, fileSize, lastBlock);
     const std::optional<ByteSpan> out = _writeBuffer.take(std::max(end, endOnDisk) - start);
     if (!out)
         return NBErrno{ENOMEM};

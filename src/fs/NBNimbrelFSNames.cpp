@@ -1,6 +1,6 @@
 #include "fs/NBNimbrelFS.h"
 
-#include "fs/DirectoryNames.h"
+#include "fs/DirectoryStream.h"
 #include "fs/OnDiskPath.h"
 #include "fs/TreeRemoval.h"
 
@@ -18,67 +18,41 @@ namespace {
 // What lies in the root beside the user's files, where plain names don't hide it by themselves.
 constexpr std::array<std::string_view, 2> ownFiles = {".encfs6.xml", "Keyfile.nmx"};
 
-NBDone readEntries(const std::string &path, std::vector<NBDirectoryEntry> &entries)
-{
-    const OnDiskPath item(path);
-    if (!item)
-        return item.error();
-    const DirectoryHandle directory = openDirectoryAt(AT_FDCWD, item.get());
-    if (directory == nullptr)
-        return NBErrno::last();
-    for (;;) {
-        errno = 0;
-        const dirent *entry = ::readdir(directory.get());
-        if (entry == nullptr && errno != 0)
-            return NBErrno::last();
-        if (entry == nullptr)
-            return {};
-        if (!isDotName(entry->d_name))
-            entries.push_back({{}, entry->d_name, entry->d_ino, entry->d_type});
-    }
-}
-
 } // namespace
 
-// Gives the entry its plain name. With encrypted names all that doesn't decode is hidden, at every
-// depth; with plain names only the root hides what is the folder's own.
-bool NBNimbrelFS::isListed(NBDirectoryEntry &entry, bool isRoot) const
+// With encrypted names all that doesn't decode is hidden, at every depth; with plain names only the
+// root hides what is the folder's own.
+bool NBNimbrelFS::isListed(NBDirectoryEntry &entry, bool isInRoot) const
 {
-    entry.name = _decodeFilename(entry.storedName);
     if (_settings.areFilenamesEncrypted)
-        return entry.name != entry.storedName;
-    return !isRoot || std::ranges::find(ownFiles, entry.name) == ownFiles.end();
+        return _cryptor.decodeName(entry.storedName, entry.name) && entry.name != entry.storedName;
+    entry.name = entry.storedName;
+    return !isInRoot || std::ranges::find(ownFiles, entry.name) == ownFiles.end();
 }
 
-NBDone NBNimbrelFS::listFolder(const std::string &path, std::vector<NBDirectoryEntry> &entries)
+NBDone NBNimbrelFS::listFolder(const std::string &path, std::vector<std::string> &names)
 {
-    if (NBDone read = readEntries(_securePathWithPath(path), entries); !read)
-        return read;
-    const bool isRoot = path == "/";
-    std::erase_if(entries, [&](NBDirectoryEntry &entry) { return !isListed(entry, isRoot); });
-    return {};
+    NBErrnoOr<DirectoryStream> stream = DirectoryStream::open(_securePathWithPath(path));
+    if (!stream)
+        return stream.error();
+    NBDirectoryEntry entry;
+    for (;;) {
+        const NBErrnoOr<const dirent *> stored = stream->next();
+        if (!stored)
+            return stored.error();
+        if (*stored == nullptr)
+            return {};
+        entry.storedName = (*stored)->d_name;
+        if (!isDotName(entry.storedName) && isListed(entry, path == "/"))
+            names.push_back(entry.name);
+    }
 }
 
 NBDirectoryListing NBNimbrelFS::contentsOfDirectoryAtPath(const std::string &path)
 {
-    std::vector<NBDirectoryEntry> entries;
-    const NBDone listed = listFolder(path, entries);
-    if (!listed)
-        return {{}, listed.code()};
     NBDirectoryListing listing;
-    listing.names.reserve(entries.size());
-    for (NBDirectoryEntry &entry : entries)
-        listing.names.push_back(std::move(entry.name));
-    return listing;
-}
-
-NBErrnoOr<std::vector<NBDirectoryEntry>>
-NBNimbrelFS::entriesOfDirectoryAtPath(const std::string &path)
-{
-    std::vector<NBDirectoryEntry> entries;
-    if (const NBDone listed = listFolder(path, entries); !listed)
-        return listed.error();
-    return entries;
+    const NBDone listed = listFolder(path, listing.names);
+    return listed ? listing : NBDirectoryListing{{}, listed.code()};
 }
 
 NBDone NBNimbrelFS::createDirectoryAtPath(const std::string &path,

@@ -22,8 +22,9 @@ std::string appendPathComponent(std::string_view root, std::string_view path)
 // A name that can't be encoded stays plain, and nothing is said.
 void appendEncoded(std::string &encoded, const NBCryptor &cryptor, std::string_view name)
 {
-    const std::optional<std::string> stored = cryptor.encodeString(name);
-    encoded.append(stored && !stored->empty() ? std::string_view(*stored) : name);
+    const std::size_t before = encoded.size();
+    if (!cryptor.encodeName(name, encoded) || encoded.size() == before)
+        encoded.append(name);
 }
 
 } // namespace
@@ -32,9 +33,26 @@ std::string NBNimbrelFS::_securePathWithPath(const std::string &path)
 {
     if (std::optional<std::string> known = _pathCache.find(path))
         return *std::move(known);
-    std::string onDiskPath = appendPathComponent(_rootPath, _encodePath(path));
+    std::string onDiskPath = onDiskPathOf(path);
     if (!onDiskPath.empty())
         _pathCache.store(path, onDiskPath);
+    return onDiskPath;
+}
+
+// Each name is encoded by itself, so that the folder's path serves all items in it.
+std::string NBNimbrelFS::onDiskPathOf(const std::string &path)
+{
+    const std::size_t slash = path.rfind('/');
+    if (slash == std::string::npos || slash + 1 == path.size())
+        return appendPathComponent(_rootPath, _encodePath(path));
+    std::string onDiskPath = _securePathWithPath(slash == 0 ? "/" : path.substr(0, slash));
+    if (onDiskPath.back() != '/')
+        onDiskPath += '/';
+    const std::string_view name = std::string_view(path).substr(slash + 1);
+    if (_settings.areFilenamesEncrypted)
+        appendEncoded(onDiskPath, _cryptor, name);
+    else
+        onDiskPath += name;
     return onDiskPath;
 }
 

@@ -39,15 +39,17 @@ NBDone giveTo(Creator creator, int descriptor, const std::string &folder)
 {
     if (!mayChangeOwners())
         return {};
-    const NBErrnoOr<bool> inherits = handsOnItsGroup(folder);
-    if (!inherits)
-        return inherits.error();
     struct stat made = {};
     if (::fstat(descriptor, &made) != 0)
         return NBErrno::last();
-    const gid_t group = *inherits ? unchangedGroup : creator.group;
-    if (made.st_uid == creator.user && (*inherits || made.st_gid == creator.group))
+    if (made.st_uid == creator.user && made.st_gid == creator.group)
         return {};
+    const NBErrnoOr<bool> inherits = handsOnItsGroup(folder);
+    if (!inherits)
+        return inherits.error();
+    if (made.st_uid == creator.user && *inherits)
+        return {};
+    const gid_t group = *inherits ? unchangedGroup : creator.group;
     if (::fchownat(descriptor, "", creator.user, group, AT_EMPTY_PATH | AT_SYMLINK_NOFOLLOW) != 0)
         return NBErrno::last();
     return losesBits(made.st_mode) ? changeMode(descriptor, made.st_mode & 07777U) : NBDone();

@@ -2,7 +2,6 @@
 #include "fs/TestDelegate.h"
 #include "support/Files.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -51,23 +50,6 @@ TEST(NamesTest, AListingGivesPlainNames)
     }
 }
 
-TEST(NamesTest, EntriesTellWhatTheFolderKnows)
-{
-    const TestDelegate delegate;
-    delegate.create("/file");
-    ASSERT_TRUE(delegate->createDirectoryAtPath("/folder", {}));
-    writeFile(delegate.root() + "/stray.txt", "");
-    const auto entries = delegate->entriesOfDirectoryAtPath("/");
-    ASSERT_TRUE(entries);
-    ASSERT_EQ(entries->size(), 2U);
-    for (const NBDirectoryEntry &entry : *entries) {
-        EXPECT_EQ(delegate.root() + "/" + entry.storedName, delegate.onDisk("/" + entry.name));
-        EXPECT_EQ(entry.inode, delegate->attributesOfItemAtPath("/" + entry.name)->st_ino);
-        const unsigned char type = entry.name == "file" ? DT_REG : DT_DIR;
-        EXPECT_TRUE(entry.type == type || entry.type == DT_UNKNOWN);
-    }
-}
-
 // Kept: who lists what can't be read sees nothing, and the error beside it.
 TEST(NamesTest, AnUnreadableFolderListsAsEmptyWithItsError)
 {
@@ -79,7 +61,6 @@ TEST(NamesTest, AnUnreadableFolderListsAsEmptyWithItsError)
     const NBDirectoryListing file = delegate->contentsOfDirectoryAtPath("/file");
     EXPECT_THAT(file.names, IsEmpty());
     EXPECT_EQ(file.error, ENOTDIR);
-    EXPECT_EQ(delegate->entriesOfDirectoryAtPath("/missing").code(), ENOENT);
 }
 
 TEST(NamesTest, AFolderWithoutPermissionListsAsEmptyWithItsError)

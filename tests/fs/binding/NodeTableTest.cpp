@@ -1,29 +1,12 @@
-#include "fs/NodeTable.h"
-
 #include "fs/FuseDisk.h"
+#include "fs/binding/NodeItems.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <random>
+#include <set>
 
 namespace nimbrel::test {
-
-namespace {
-
-struct stat item(ino_t inode, mode_t type = S_IFREG)
-{
-    struct stat attributes = {};
-    attributes.st_dev = 7;
-    attributes.st_ino = inode;
-    attributes.st_mode = type | 0644U;
-    return attributes;
-}
-
-std::string pathOf(const NodeTable &table, const Node &node)
-{
-    const auto path = table.pathOf(node);
-    return path ? *path : "error " + std::to_string(path.code());
-}
-
-} // namespace
 
 TEST(NodeTableTest, TheRootIsAlwaysThere)
 {
@@ -164,7 +147,8 @@ TEST(NodeTableTest, AFolderThatMovedOutsideHasItsNewestName)
     Node &folder = table.refer(table.root(), "here", item(10, S_IFDIR));
     (void)table.refer(table.root(), "there", item(10, S_IFDIR));
     EXPECT_EQ(pathOf(table, folder), "/there");
-    EXPECT_EQ(folder.names.size(), 1U);
+    table.nameRemoved(table.root(), "there");
+    EXPECT_FALSE(folder.isLinked());
 }
 
 TEST(NodeTableTest, FoldersMovedIntoEachOtherAreStaleAndDoNotHang)
@@ -186,6 +170,224 @@ TEST(NodeTableTest, TwoNamesInOneFolderGoTogether)
     (void)table.refer(folder, "b", item(11));
     table.forget(folder.number, 1);
     table.forget(file.number, 2);
+    EXPECT_EQ(table.size(), 1U);
+}
+
+TEST(NodeTableTest, AnItemWithNamesInAFolderAndBelowItGoesWithBoth)
+{
+    NodeTable table;
+    Node &outer = table.refer(table.root(), "outer", item(10, S_IFDIR));
+    Node &inner = table.refer(outer, "inner", item(11, S_IFDIR));
+    Node &file = table.refer(inner, "a", item(12));
+    (void)table.refer(outer, "a", item(12));
+    table.forget(outer.number, 1);
+    table.forget(inner.number, 1);
+    EXPECT_EQ(table.size(), 4U);
+    table.forget(file.number, 2);
+    EXPECT_EQ(table.size(), 1U);
+}
+
+TEST(NodeTableTest, AFolderThatOnlyItsItemKeepsStaysWhileAnotherTakesTheName)
+{
+    NodeTable table;
+    Node &folder = table.refer(table.root(), "folder", item(10, S_IFDIR));
+    const std::uint64_t first = table.refer(folder, "a", item(11)).number;
+    table.forget(folder.number, 1);
+    table.forget(first, 0);
+    Node &second = table.refer(folder, "a", item(12));
+    EXPECT_EQ(pathOf(table, second), "/folder/a");
+    table.forget(second.number, 1);
+    EXPECT_EQ(table.find(second.number), nullptr);
+}
+
+TEST(NodeTableTest, AMoveOntoItselfChangesNothing)
+{
+    NodeTable table;
+    Node &file = table.refer(table.root(), "a", item(11));
+    table.nameMoved(table.root(), "a", table.root(), "a");
+    EXPECT_EQ(pathOf(table, file), "/a");
+}
+
+TEST(NodeTableTest, AMoveOntoAnotherNameOfTheItemLeavesThatName)
+{
+    NodeTable table;
+    Node &file = table.refer(table.root(), "a", item(11));
+    (void)table.refer(table.root(), "b", item(11));
+    table.nameMoved(table.root(), "a", table.root(), "b");
+    EXPECT_EQ(pathOf(table, file), "/b");
+    table.nameRemoved(table.root(), "b");
+    EXPECT_FALSE(file.isLinked());
+}
+
+TEST(NodeTableTest, AMoveOfAnUnknownNameTakesTheOtherAway)
+{
+    NodeTable table;
+    Node &replaced = table.refer(table.root(), "b", item(11));
+    table.nameMoved(table.root(), "never seen", table.root(), "b");
+    EXPECT_EQ(table.pathOf(replaced).code(), ESTALE);
+}
+
+TEST(NodeTableTest, TwoNamesOfOneItemMayBeExchanged)
+{
+    NodeTable table;
+    Node &file = table.refer(table.root(), "a", item(11));
+    (void)table.refer(table.root(), "b", item(11));
+    table.namesExchanged(table.root(), "a", table.root(), "b");
+    table.nameRemoved(table.root(), "a");
+    EXPECT_EQ(pathOf(table, file), "/b");
+    table.nameRemoved(table.root(), "b");
+    EXPECT_FALSE(file.isLinked());
+}
+
+TEST(NodeTableTest, AnExchangeWithAnUnknownNameForgetsBoth)
+{
+    NodeTable table;
+    Node &file = table.refer(table.root(), "a", item(11));
+    table.namesExchanged(table.root(), "a", table.root(), "never seen");
+    EXPECT_EQ(table.pathOf(file).code(), ESTALE);
+}
+
+TEST(NodeTableTest, AnInodeThatChangedItsTypeTwiceIsAThirdItem)
+{
+    NodeTable table;
+    const std::uint64_t file = table.refer(table.root(), "a", item(11)).number;
+    (void)table.refer(table.root(), "b", item(11, S_IFDIR));
+    EXPECT_NE(table.refer(table.root(), "a", item(11)).number, file);
+}
+
+TEST(NodeTableTest, ItemsOfTwoDevicesAreTwo)
+{
+    NodeTable table;
+    struct stat elsewhere = item(11);
+    elsewhere.st_dev = 8;
+    const std::uint64_t here = table.refer(table.root(), "a", item(11)).number;
+    EXPECT_NE(table.refer(table.root(), "b", elsewhere).number, here);
+}
+
+TEST(NodeTableTest, NumbersThatAreNobodysAreNotFound)
+{
+    NodeTable table;
+    const std::uint64_t number = table.refer(table.root(), "a", item(11)).number;
+    for (const std::uint64_t nobody :
+         {std::uint64_t{0}, number + 1, number ^ (std::uint64_t{1} << 40U), number << 1U,
+          ~std::uint64_t{0}})
+        EXPECT_EQ(table.find(nobody), nullptr) << nobody;
+}
+
+TEST(NodeTableTest, NumbersAreNeverUsedTwice)
+{
+    NodeTable table;
+    std::set<std::uint64_t> numbers;
+    for (int round = 0; round < 1000; ++round) {
+        const std::uint64_t number = table.refer(table.root(), "a", item(11)).number;
+        EXPECT_TRUE(numbers.insert(number).second);
+        table.forget(number, 1);
+        EXPECT_EQ(table.find(number), nullptr);
+    }
+}
+
+TEST(NodeTableTest, TheFolderAboveIsTheFirstNames)
+{
+    NodeTable table;
+    Node &folder = table.refer(table.root(), "folder", item(10, S_IFDIR));
+    Node &file = table.refer(folder, "a", item(11));
+    EXPECT_EQ(&table.folderAbove(file), &folder);
+    EXPECT_EQ(&table.folderAbove(folder), &table.root());
+    EXPECT_EQ(&table.folderAbove(table.root()), &table.root());
+    table.nameRemoved(folder, "a");
+    EXPECT_EQ(&table.folderAbove(file), &file);
+}
+
+TEST(NodeTableTest, APathGoesIntoTheCallersString)
+{
+    NodeTable table;
+    Node &folder = table.refer(table.root(), "Reports", item(10, S_IFDIR));
+    std::string path(100, 'x');
+    const char *const memory = path.data();
+    ASSERT_TRUE(table.pathInto(folder, path));
+    EXPECT_EQ(path, "/Reports");
+    ASSERT_TRUE(table.pathInto(folder, "a.txt", path));
+    EXPECT_EQ(path, "/Reports/a.txt");
+    ASSERT_TRUE(table.pathInto(table.root(), "b", path));
+    EXPECT_EQ(path, "/b");
+    ASSERT_TRUE(table.pathInto(table.root(), path));
+    EXPECT_EQ(path, "/");
+    EXPECT_EQ(path.data(), memory);
+    table.nameRemoved(table.root(), "Reports");
+    EXPECT_EQ(table.pathInto(folder, path).code(), ESTALE);
+    EXPECT_EQ(table.pathInto(folder, "a.txt", path).code(), ESTALE);
+}
+
+TEST(NodeTableTest, AnItemKnowsItsOpenFilesAndVersion)
+{
+    NodeTable table;
+    OpenFile one;
+    OpenFile two;
+    Node &file = table.refer(table.root(), "a", item(11));
+    struct stat attributes = item(11);
+    attributes.st_size = 5;
+    attributes.st_mtim = {12, 34};
+    EXPECT_FALSE(file.isOpen());
+    EXPECT_NE(file.version(), ContentVersion::of(attributes));
+    file.setVersion(ContentVersion::of(attributes));
+    table.opened(file, one);
+    table.opened(file, two);
+    EXPECT_EQ(file.openFiles(), (std::vector<OpenFile *>{&one, &two}));
+    table.closed(file, one);
+    table.closed(file, two);
+    EXPECT_FALSE(file.isOpen());
+    EXPECT_EQ(file.version(), ContentVersion::of(attributes));
+    attributes.st_mtim.tv_nsec = 35;
+    EXPECT_NE(file.version(), ContentVersion::of(attributes));
+}
+
+TEST(NodeTableTest, AnOpenItemThatIsForgottenGoesWhenItIsClosed)
+{
+    NodeTable table;
+    OpenFile open;
+    Node &file = table.refer(table.root(), "a", item(11));
+    const std::uint64_t number = file.number;
+    table.opened(file, open);
+    table.forget(number, 1);
+    EXPECT_EQ(table.find(number), &file);
+    table.closed(file, open);
+    EXPECT_EQ(table.find(number), nullptr);
+}
+
+TEST(NodeTableTest, AVeryDeepFolderGoesWithItsLastItem)
+{
+    NodeTable table;
+    std::vector<std::uint64_t> numbers;
+    Node *folder = &table.root();
+    for (ino_t inode = 10; inode < 100'010; ++inode) {
+        folder = &table.refer(*folder, "d", item(inode, S_IFDIR));
+        numbers.push_back(folder->number);
+    }
+    EXPECT_EQ(table.pathOf(*folder).code(), ESTALE); // no path is as long
+    for (const std::uint64_t number : numbers)
+        table.forget(number, 1);
+    EXPECT_EQ(table.size(), 1U);
+}
+
+TEST(NodeTableTest, ManyItemsAreAllFoundAndAllGo)
+{
+    constexpr ino_t items = 20'000;
+    NodeTable table;
+    std::vector<std::uint64_t> numbers;
+    for (ino_t inode = 0; inode < items; ++inode)
+        numbers.push_back(
+            table.refer(table.root(), "item " + std::to_string(inode), item(10 + inode)).number);
+    for (ino_t inode = 0; inode < items; ++inode) {
+        Node *const node = table.find(numbers[inode]);
+        ASSERT_NE(node, nullptr);
+        EXPECT_EQ(node->inode, 10 + inode);
+        EXPECT_EQ(pathOf(table, *node), "/item " + std::to_string(inode));
+        EXPECT_EQ(&table.refer(table.root(), "item " + std::to_string(inode), item(10 + inode)),
+                  node);
+    }
+    std::shuffle(numbers.begin(), numbers.end(), std::mt19937(1));
+    for (const std::uint64_t number : numbers)
+        table.forget(number, 2);
     EXPECT_EQ(table.size(), 1U);
 }
 

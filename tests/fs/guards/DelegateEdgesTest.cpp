@@ -174,7 +174,7 @@ TEST_F(DelegateEdgesTest, AppendingDescriptorsIgnoreOffsets)
 TEST_F(DelegateEdgesTest, AnUnreadableFolderListsAsEmpty)
 {
     EXPECT_TRUE(bare->contentsOfDirectoryAtPath("/missing").names.empty());
-    EXPECT_EQ(folder.tree().list("/missing").code(), ENOENT);
+    EXPECT_EQ(folder.list("/missing").code(), ENOENT);
 }
 
 TEST_F(DelegateEdgesTest, ALinksSizeIsThatOfItsStoredTarget)

@@ -1,5 +1,7 @@
 #include "fs/guards/GuardedFolder.h"
 
+#include "fs/GuardedListing.h"
+
 #include <algorithm>
 #include <cstring>
 #include <stdexcept>
@@ -58,6 +60,23 @@ void GuardedFolder::reopen()
     _delegate = bareDelegate();
     _content = std::make_unique<GuardedContent>(*_delegate);
     _tree = std::make_unique<GuardedTree>(*_delegate);
+}
+
+NBErrnoOr<std::vector<NBDirectoryEntry>> GuardedFolder::list(const std::string &path) const
+{
+    NBErrnoOr<GuardedListing> listing = GuardedListing::open(*_delegate, path);
+    if (!listing)
+        return listing.error();
+    std::vector<NBDirectoryEntry> entries;
+    for (;;) {
+        const NBErrnoOr<NBDirectoryEntry *> entry = listing->next();
+        if (!entry)
+            return entry.error();
+        if (*entry == nullptr)
+            return entries;
+        if (!isDotName((*entry)->name))
+            entries.push_back(**entry);
+    }
 }
 
 NBFileHandle GuardedFolder::create(const std::string &path, std::string_view text) const

@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <sys/types.h>
+#include <vector>
 
 namespace nimbrel::test {
 
@@ -53,6 +54,9 @@ public:
     void reopen();
     // A delegate of its own over the same folder, as exact as it is made.
     [[nodiscard]] std::unique_ptr<NBNimbrelFS> bareDelegate() const;
+
+    // What a folder shows, without "." and "..".
+    [[nodiscard]] NBErrnoOr<std::vector<NBDirectoryEntry>> list(const std::string &path) const;
 
     [[nodiscard]] NBFileHandle create(const std::string &path, std::string_view text = {}) const;
     [[nodiscard]] NBFileHandle open(const std::string &path, int flags = O_RDWR) const;

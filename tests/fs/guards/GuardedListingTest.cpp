@@ -17,7 +17,7 @@ namespace {
 std::vector<std::string> namesIn(GuardedFolder &folder, const std::string &path = "/")
 {
     std::vector<std::string> names;
-    const NBErrnoOr<std::vector<NBDirectoryEntry>> entries = folder.tree().list(path);
+    const NBErrnoOr<std::vector<NBDirectoryEntry>> entries = folder.list(path);
     EXPECT_EQ(entries.code(), 0);
     if (entries)
         for (const NBDirectoryEntry &entry : *entries)
@@ -53,7 +53,7 @@ TEST(GuardedListingTest, HasEveryItemWithItsNumberAndType)
     ASSERT_TRUE(folder.tree().makeFolder("/folder", 0755, thisUser()));
     ASSERT_TRUE(folder.tree().makeLink("/link", "file", thisUser()));
     ASSERT_TRUE(folder.tree().makeNode("/pipe", S_IFIFO | 0600, 0, thisUser()));
-    const NBErrnoOr<std::vector<NBDirectoryEntry>> entries = folder.tree().list("/");
+    const NBErrnoOr<std::vector<NBDirectoryEntry>> entries = folder.list("/");
     ASSERT_TRUE(entries);
     EXPECT_EQ(entries->size(), 4U);
     for (const NBDirectoryEntry &entry : *entries) {
@@ -70,8 +70,8 @@ TEST(GuardedListingTest, TellsWhyAFolderCannotBeListed)
 {
     GuardedFolder folder;
     (void)folder.create("/file");
-    EXPECT_EQ(folder.tree().list("/file").code(), ENOTDIR);
-    EXPECT_EQ(folder.tree().list("/none").code(), ENOENT);
+    EXPECT_EQ(folder.list("/file").code(), ENOTDIR);
+    EXPECT_EQ(folder.list("/none").code(), ENOENT);
     EXPECT_TRUE(namesIn(folder).size() == 1);
 }
 

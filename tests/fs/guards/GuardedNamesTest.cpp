@@ -36,7 +36,7 @@ TEST_F(GuardedNamesTest, HaveTheLengthThatTheirStoredFormLeaves)
     for (GuardedFolder *each : {&folder, &plain}) {
         const std::size_t most = each->tree().longestName();
         (void)each->create("/" + std::string(most, 'n'));
-        EXPECT_EQ(each->tree().list("/")->front().name, std::string(most, 'n'));
+        EXPECT_EQ(each->list("/")->front().name, std::string(most, 'n'));
         const std::string tooLong = "/" + std::string(most + 1, 'n');
         EXPECT_EQ(each->tree().checkName(tooLong.substr(1)).code(), ENAMETOOLONG);
         EXPECT_EQ(each->tree().create(tooLong, O_RDWR, 0600, thisUser()).code(), ENAMETOOLONG);
@@ -55,9 +55,9 @@ TEST_F(GuardedNamesTest, ThatAreNotUtf8AreRefusedWhereTheyWouldVanish)
     (void)folder.create("/file");
     EXPECT_EQ(folder.tree().move("/file", path, 0).code(), EILSEQ);
     EXPECT_EQ(folder.tree().hardLink("/file", path).code(), EILSEQ);
-    EXPECT_EQ(folder.tree().list("/")->size(), 1U);
+    EXPECT_EQ(folder.list("/")->size(), 1U);
     (void)plain.create(path);
-    EXPECT_EQ(plain.tree().list("/")->front().name, notUtf8);
+    EXPECT_EQ(plain.list("/")->front().name, notUtf8);
 }
 
 TEST_F(GuardedNamesTest, OfAnyScriptAreKept)
@@ -66,7 +66,7 @@ TEST_F(GuardedNamesTest, OfAnyScriptAreKept)
         (void)folder.create("/" + name);
     for (const std::string name : {"naïve", "日本語", "𝄞", " lead", "trail ", "a\nb", "-", "%2F"})
         EXPECT_EQ(codeOf(folder, "/" + name), 0) << name;
-    EXPECT_EQ(folder.tree().list("/")->size(), 8U);
+    EXPECT_EQ(folder.list("/")->size(), 8U);
 }
 
 TEST_F(GuardedNamesTest, LinksTellTheirPlainTargetAndItsLength)
@@ -164,14 +164,14 @@ TEST_F(GuardedNamesTest, RemovingKeepsFilesAndFoldersApart)
     EXPECT_EQ(folder.tree().removeFile("/none").code(), ENOENT);
     EXPECT_TRUE(folder.tree().removeFile("/file"));
     EXPECT_TRUE(folder.tree().removeFolder("/folder"));
-    EXPECT_TRUE(folder.tree().list("/")->empty());
+    EXPECT_TRUE(folder.list("/")->empty());
 }
 
 TEST_F(GuardedNamesTest, AFolderWithStrangersInItIsNotEmpty)
 {
     ASSERT_TRUE(folder.tree().makeFolder("/folder", 0755, thisUser()));
     writeFile(folder.onDisk("/folder") + "/.DS_Store", "");
-    EXPECT_TRUE(folder.tree().list("/folder")->empty());
+    EXPECT_TRUE(folder.list("/folder")->empty());
     EXPECT_EQ(folder.tree().removeFolder("/folder").code(), ENOTEMPTY);
 }
 
@@ -212,7 +212,7 @@ TEST_F(GuardedNamesTest, PathsLongerThanTheKernelTakesWork)
     attributes.posixPermissions = 0640;
     EXPECT_TRUE(folder.tree().setAttributes(path + "/moved", attributes));
     EXPECT_TRUE(folder.tree().syncFolder(path));
-    EXPECT_EQ(folder.tree().list(path)->size(), 4U);
+    EXPECT_EQ(folder.list(path)->size(), 4U);
     for (const std::string name : {"/moved", "/linked", "/link", "/pipe"})
         EXPECT_TRUE(folder.tree().removeFile(path + name));
     EXPECT_TRUE(folder.tree().removeFolder(path));

@@ -86,7 +86,7 @@ TEST(GuardedOrdinaryOwnershipTest, WhatCannotBeGivenIsNotMade)
         EXPECT_EQ(tree.makeFolder("/folder", 0750, ann).code(), EINVAL);
         EXPECT_EQ(tree.makeNode("/pipe", S_IFIFO | 0600, 0, ann).code(), EINVAL);
         EXPECT_EQ(tree.makeLink("/link", "file", ann).code(), EINVAL);
-        EXPECT_TRUE(tree.list("/")->empty());
+        EXPECT_TRUE(folder.list("/")->empty());
     }));
 }
 

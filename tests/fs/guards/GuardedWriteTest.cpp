@@ -167,7 +167,7 @@ TEST_P(GuardedWriteTest, GoesOnInAFileWithoutAName)
     ASSERT_TRUE(write(file, "more", 300));
     ASSERT_TRUE(folder.content().setSize(file, 302));
     EXPECT_EQ(folder.read(file).substr(298), std::string("\0\0mo", 4));
-    EXPECT_TRUE(folder.tree().list("/")->empty());
+    EXPECT_TRUE(folder.list("/")->empty());
 }
 
 INSTANTIATE_TEST_SUITE_P(Holes, GuardedWriteTest, testing::Bool(), nameOfHoles);
