@@ -4,11 +4,13 @@
 #include "fs/GuardedContent.h"
 #include "fs/GuardedTree.h"
 #include "fs/KeptListings.h"
+#include "fs/NodeReclaimer.h"
 #include "fs/NodeTable.h"
 #include "fs/OpenFolder.h"
 
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <unordered_map>
 #include <vector>
@@ -52,11 +54,14 @@ private:
     return attributes.st_ino == node.inode && attributes.st_dev == node.device;
 }
 
-// Lives on the FUSE thread alone.
+// The disk's threads come here one at a time; what one has to reply needs no other thing of this,
+// so that it may give up its turn first.
 struct FuseDisk
 {
-    explicit FuseDisk(std::shared_ptr<NBNimbrelFS> filesystem);
+    // `lettingOthersIn`: the kernel checks permissions, for users that aren't this process's.
+    FuseDisk(std::shared_ptr<NBNimbrelFS> filesystem, bool lettingOthersIn);
 
+    const bool isShared;
     std::shared_ptr<NBNimbrelFS> delegate;
     GuardedTree tree;
     GuardedContent content;
@@ -64,9 +69,12 @@ struct FuseDisk
     Handles<OpenFile> files;
     Handles<OpenFolder> folders;
     KeptListings listings;
-    Bytes readBuffer;               // of replies; a fresh one costs more than the read
-    bool dropsPrivileges = false;   // the write at hand takes set-uid bits away
-    std::optional<mode_t> umask;    // the thread's, once a request has set it
+    NodeReclaimer *reclaimer = nullptr;           // of what the kernel knows and nobody uses
+    std::string path;                             // of the item at hand
+    ByteSpan reply;                               // room for the bytes of a reply
+    std::unique_lock<std::mutex> *turn = nullptr; // of the thread that serves
+    bool dropsPrivileges = false;                 // the write at hand takes set-uid bits away
+    std::optional<mode_t> umask;                  // the thread's, once a request has set it
     std::uint64_t greeting = 0;     // the kernel's greeting while it isn't answered; 0: none
     std::function<void()> didStart; // called when the kernel has said hello
     // Makes the kernel ask for a node's attributes before it uses them again.
@@ -75,8 +83,13 @@ struct FuseDisk
     // The item that the kernel means by a node number. ESTALE where another item, or none, stands
     // under the name that it knows: the kernel then looks again at once.
     NBErrnoOr<struct stat> attributesOf(Node &node);
+    // Keeps what is remembered of items small, after one more.
+    void boundMemory();
     // The path of a node that is still what the kernel takes it for.
     NBErrnoOr<std::string> checkedPathOf(Node &node);
+
+private:
+    unsigned _itemsSinceLook = 0;
 };
 
 } // namespace nimbrel

@@ -12,8 +12,11 @@ void greet(void *userData, fuse_conn_info *connection)
     };
     want(FUSE_CAP_ASYNC_READ | FUSE_CAP_AUTO_INVAL_DATA | FUSE_CAP_PARALLEL_DIROPS |
          FUSE_CAP_READDIRPLUS | FUSE_CAP_READDIRPLUS_AUTO);
-    // The store applies the umask itself, so that a folder's default ACL comes before it.
-    want(FUSE_CAP_POSIX_ACL | FUSE_CAP_DONT_MASK);
+    // The store applies the umask itself, so that a folder's default ACL comes before it. Only
+    // where others are let in does the kernel have to know of ACLs.
+    want(FUSE_CAP_DONT_MASK);
+    if (static_cast<FuseDisk *>(userData)->isShared)
+        want(FUSE_CAP_POSIX_ACL);
     connection->want &= ~static_cast<unsigned>(
         // A program was told that its bytes are written: they have to be.
         FUSE_CAP_WRITEBACK_CACHE |

@@ -7,15 +7,14 @@ namespace nimbrel {
 
 namespace {
 
-void reply(fuse_req_t request, const NBErrnoOr<struct stat> &attributes)
+NBDone replyAttributes(fuse_req_t request, Node &node)
 {
-    if (attributes)
-        fuse_reply_attr(request, &*attributes, attributesStay);
-}
-
-NBDone doneOr(const NBErrnoOr<struct stat> &attributes)
-{
-    return attributes ? NBDone() : NBDone(attributes.error());
+    const NBErrnoOr<struct stat> attributes = diskOf(request).attributesOf(node);
+    if (!attributes)
+        return attributes.error();
+    node.told = ContentVersion::of(*attributes).digest();
+    fuse_reply_attr(request, &*attributes, attributesStay);
+    return {};
 }
 
 void getAttributes(fuse_req_t request, fuse_ino_t number, fuse_file_info *)
@@ -25,9 +24,7 @@ void getAttributes(fuse_req_t request, fuse_ino_t number, fuse_file_info *)
         const NBErrnoOr<Node *> node = nodeOf(disk, number);
         if (!node)
             return node.error();
-        const NBErrnoOr<struct stat> attributes = disk.attributesOf(**node);
-        reply(request, attributes);
-        return doneOr(attributes);
+        return replyAttributes(request, **node);
     });
 }
 
@@ -122,9 +119,7 @@ void setAttributes(fuse_req_t request, fuse_ino_t number, struct stat *values, i
                 return done;
         if (const NBDone done = setOthers(disk, **node, file, wanted(*values, toSet)); !done)
             return done;
-        const NBErrnoOr<struct stat> attributes = disk.attributesOf(**node);
-        reply(request, attributes);
-        return doneOr(attributes);
+        return replyAttributes(request, **node);
     });
 }
 
@@ -210,12 +205,26 @@ void removeExtended(fuse_req_t request, fuse_ino_t number, const char *name)
     });
 }
 
+// Asked where the store decides; the kernel asks nobody where it checks itself.
+void checkAccess(fuse_req_t request, fuse_ino_t number, int mask)
+{
+    answerDone(request, [&]() -> NBDone {
+        FuseDisk &disk = diskOf(request);
+        const NBErrnoOr<Node *> node = nodeOf(disk, number);
+        if (!node)
+            return node.error();
+        const NBErrnoOr<std::string> path = disk.checkedPathOf(**node);
+        return path ? disk.tree.checkAccess(*path, mask) : NBDone(path.error());
+    });
+}
+
 } // namespace
 
 void addAttributeOperations(fuse_lowlevel_ops &operations)
 {
     operations.getattr = getAttributes;
     operations.setattr = setAttributes;
+    operations.access = checkAccess;
     operations.statfs = fileSystem;
     operations.getxattr = getExtended;
     operations.listxattr = listExtended;

@@ -7,16 +7,19 @@ namespace nimbrel {
 
 namespace {
 
-// Whether the kernel's pages of this file are still what is on disk. If not they go with the open,
-// and the kernel asks for size and times anew.
+// Whether the kernel's pages of this file are still what is on disk; else they go with the open.
+// Where it holds other attributes than these, it is made to ask for them anew.
 bool keepsPages(FuseDisk &disk, Node &node, const struct stat &attributes)
 {
     const ContentVersion now = ContentVersion::of(attributes);
-    if (now == node.version())
-        return true;
-    node.setVersion(now);
-    disk.forgetAttributes(node.number);
-    return false;
+    if (node.told != 0 && node.told != now.digest()) {
+        node.told = 0;
+        disk.forgetAttributes(node.number);
+    }
+    const bool keeps = now == node.version();
+    if (!keeps)
+        node.setVersion(now);
+    return keeps;
 }
 
 bool isWritable(int flags)
@@ -120,13 +123,14 @@ void read(fuse_req_t request, fuse_ino_t, std::size_t size, off_t offset, fuse_f
 {
     answer(request, [&]() -> NBDone {
         FuseDisk &disk = diskOf(request);
-        if (disk.readBuffer.size() < size)
-            disk.readBuffer.resize(size);
-        const NBErrnoOr<std::size_t> got =
-            disk.content.read(fileOf(*info).handle, ByteSpan(disk.readBuffer).first(size), offset);
+        if (size > disk.reply.size())
+            return NBErrno{EINVAL}; // more than was agreed on; less would be the file's end
+        const ByteSpan room = disk.reply.first(size);
+        const NBErrnoOr<std::size_t> got = disk.content.read(fileOf(*info).handle, room, offset);
         if (!got)
             return got.error();
-        fuse_reply_buf(request, reinterpret_cast<const char *>(disk.readBuffer.data()), *got);
+        disk.turn->unlock(); // to give the bytes takes as long as to read them
+        fuse_reply_buf(request, reinterpret_cast<const char *>(room.data()), *got);
         return {};
     });
 }
@@ -195,6 +199,7 @@ void allocate(fuse_req_t request, fuse_ino_t, int mode, off_t offset, off_t leng
         if (fuse_req_ctx(request)->uid != 0)
             if (const NBDone dropped = disk.tree.dropPrivileges(handle); !dropped)
                 return dropped;
+        fileOf(*info).node->told = 0;
         return disk.content.allocate(handle, mode, offset, length);
     });
 }

@@ -1,6 +1,7 @@
 // Listings.
 #include "fs/FuseOperations.h"
 
+#include <algorithm>
 #include <dirent.h>
 #include <sys/stat.h>
 
@@ -55,9 +56,8 @@ public:
         : _request(request), _disk(diskOf(request)), _folder(folder), _open(open),
           _withAttributes(withAttributes)
     {
-        if (_disk.readBuffer.size() < size)
-            _disk.readBuffer.resize(size);
-        _room = {reinterpret_cast<char *>(_disk.readBuffer.data()), size};
+        const ByteSpan room = _disk.reply.first(std::min(size, _disk.reply.size()));
+        _room = {reinterpret_cast<char *>(room.data()), room.size()};
     }
 
     // False when it doesn't fit any more.

@@ -31,6 +31,7 @@ void lookup(fuse_req_t request, fuse_ino_t folder, const char *name)
             return replied;
         fuse_entry_param nothing{}; // number 0: remembered as missing
         nothing.entry_timeout = attributesStay;
+        disk.boundMemory();
         fuse_reply_entry(request, &nothing);
         return {};
     });

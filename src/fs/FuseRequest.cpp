@@ -25,7 +25,9 @@ NBErrnoOr<Node *> nodeOf(FuseDisk &disk, fuse_ino_t number)
 fuse_entry_param entryFor(FuseDisk &disk, Node &folder, std::string_view name,
                           const struct stat &attributes)
 {
-    const Node &node = disk.nodes.refer(folder, name, attributes);
+    Node &node = disk.nodes.refer(folder, name, attributes);
+    node.told = ContentVersion::of(attributes).digest();
+    disk.boundMemory();
     fuse_entry_param entry{};
     entry.ino = node.number;
     entry.generation = 1;
@@ -38,10 +40,9 @@ fuse_entry_param entryFor(FuseDisk &disk, Node &folder, std::string_view name,
 NBDone replyEntry(fuse_req_t request, Node &folder, const char *name)
 {
     FuseDisk &disk = diskOf(request);
-    const NBErrnoOr<std::string> path = disk.nodes.pathOf(folder, name);
-    if (!path)
-        return path.error();
-    const NBErrnoOr<struct stat> attributes = disk.tree.attributes(*path);
+    if (const NBDone known = disk.nodes.pathInto(folder, name, disk.path); !known)
+        return known;
+    const NBErrnoOr<struct stat> attributes = disk.tree.attributes(disk.path);
     if (!attributes)
         return attributes.error();
     const fuse_entry_param entry = entryFor(disk, folder, name, *attributes);

@@ -1,10 +1,12 @@
 #include "fs/FuseSession.h"
 
+#include "fs/AllSignalsBlocked.h"
 #include "fs/FuseOperations.h"
 #include "fs/FuseTransport.h"
 #include "fs/MountKeeper.h"
 #include "fs/MountOptions.h"
 #include "fs/MountPointCheck.h"
+#include "fs/RequestLoop.h"
 #include "fs/Unmounting.h"
 
 #include <algorithm>
@@ -12,9 +14,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <fmt/format.h>
-#include <pthread.h>
 #include <sched.h>
-#include <signal.h>
 #include <sys/statvfs.h>
 
 namespace nimbrel {
@@ -55,31 +55,19 @@ std::string withReason(std::string_view what)
     return reason.empty() ? fmt::format("{}.", what) : fmt::format("{}: {}.", what, reason);
 }
 
-// The loop sleeps in a read of the FUSE device. Any request wakes it, and it then sees that it is
-// to end. Comes back with an error at the latest when the session lets the device go.
-void askAnything(const std::string &path)
+// The loop's threads sleep in a read of the FUSE device. Any request wakes one of them, which then
+// sees that it is to end and leaves the request. So each needs one of its own, from somebody who
+// waits until the session lets the device go.
+std::vector<std::thread> wakeLoop(const std::string &path)
 {
-    struct statvfs ignored = {};
-    (void)::statvfs(path.c_str(), &ignored);
+    std::vector<std::thread> wakers;
+    while (wakers.size() < RequestLoop::threads)
+        wakers.emplace_back([path] {
+            struct statvfs ignored = {};
+            (void)::statvfs(path.c_str(), &ignored);
+        });
+    return wakers;
 }
-
-// The signals of the process belong to its other threads.
-class SignalsBlocked
-{
-public:
-    SignalsBlocked()
-    {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_SETMASK, &all, &_before);
-    }
-    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &_before, nullptr); }
-    SignalsBlocked(const SignalsBlocked &) = delete;
-    SignalsBlocked &operator=(const SignalsBlocked &) = delete;
-
-private:
-    sigset_t _before{};
-};
 
 } // namespace
 
@@ -91,15 +79,16 @@ FuseSession::FuseSession(std::shared_ptr<NBNimbrelFS> delegate,
 
 FuseSession::~FuseSession()
 {
-    std::thread waker;
+    stopReclaiming(); // while somebody serves
+    std::vector<std::thread> wakers;
     if (_isMounted && !unmountDisk(_mountPoint)) {
         fuse_session_exit(_session);
-        waker = std::thread([path = _mountPoint] { askAnything(path); });
+        wakers = wakeLoop(_mountPoint);
     }
     if (_thread.joinable())
         _thread.join();
     end();
-    if (waker.joinable())
+    for (std::thread &waker : wakers)
         waker.join();
 }
 
@@ -132,7 +121,7 @@ std::optional<MountFailure> FuseSession::start(const std::string &path,
 
 std::optional<MountFailure> FuseSession::makeSession(const std::vector<std::string> &options)
 {
-    _disk = std::make_unique<FuseDisk>(_delegate);
+    _disk = std::make_unique<FuseDisk>(_delegate, isShared(options));
     _disk->didStart = [this] {
         _didStart = true;
         if (_notifications.didMount)
@@ -142,6 +131,11 @@ std::optional<MountFailure> FuseSession::makeSession(const std::vector<std::stri
         // Attributes alone: pages would wait for requests that this thread serves.
         fuse_lowlevel_notify_inval_inode(_session, number, -1, 0);
     };
+    _reclaimer =
+        std::make_unique<NodeReclaimer>([this](std::uint64_t folder, const std::string &name) {
+            return fuse_lowlevel_notify_inval_entry(_session, folder, name.c_str(), name.size());
+        });
+    _disk->reclaimer = _reclaimer.get();
     std::vector<std::string> arguments{"nimbrel"};
     for (const std::string &option : libfuseOptions(options, _delegate->rootPath()))
         if (option != "nonempty") { // judged above; this libfuse has no such option
@@ -166,15 +160,19 @@ void FuseSession::serve(bool onOwnThread)
 {
     if (!onOwnThread)
         return loop();
-    const SignalsBlocked blocked; // the thread inherits this
+    const AllSignalsBlocked blocked;
     _thread = std::thread([this] { loop(); });
 }
 
 void FuseSession::loop()
 {
-    // A umask of its own: each request makes items under its caller's.
+    // A umask of its own, for all of the loop's threads: each request makes items under its
+    // caller's.
     (void)::unshare(CLONE_FS);
-    (void)fuse_session_loop(_session);
+    // A drop under way would wait for ever for a disk that stands and isn't served.
+    if (RequestLoop(_session, *_disk).run() != 0)
+        (void)abortDisk(_mountPoint);
+    stopReclaiming();
     _isMounted = false;
     fuse_session_unmount(_session);
     if (_keeper != nullptr)
@@ -186,11 +184,18 @@ void FuseSession::loop()
         _notifications.didUnmount();
 }
 
+void FuseSession::stopReclaiming()
+{
+    if (_reclaimer != nullptr)
+        _reclaimer->stop();
+}
+
 void FuseSession::end()
 {
     if (_session != nullptr)
         fuse_session_destroy(_session);
     _session = nullptr;
+    _reclaimer.reset();
     _disk.reset();
 }
 

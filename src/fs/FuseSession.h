@@ -38,6 +38,7 @@ public:
 private:
     [[nodiscard]] std::optional<MountFailure> makeSession(const std::vector<std::string> &options);
     void loop();
+    void stopReclaiming();
     void end();
 
     std::shared_ptr<NBNimbrelFS> _delegate;
@@ -45,6 +46,7 @@ private:
     MountKeeper *_keeper;
     std::string _mountPoint;
     std::unique_ptr<FuseDisk> _disk;
+    std::unique_ptr<NodeReclaimer> _reclaimer;
     fuse_session *_session = nullptr;
     std::atomic<bool> _isMounted = false;
     bool _didStart = false; // FUSE thread: the kernel has greeted

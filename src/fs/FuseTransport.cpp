@@ -1,7 +1,9 @@
 #include "fs/FuseTransport.h"
 
 #include "fs/FuseRequest.h"
+#include "fs/RequestLoop.h"
 
+#include <algorithm>
 #include <cstring>
 #include <linux/fuse.h>
 #include <sys/uio.h>
@@ -21,7 +23,34 @@ bool read(ByteView message, std::size_t offset, Part &part)
     return true;
 }
 
-void note(ByteView message, FuseDisk &disk)
+// libfuse's answer to the greeting: the header, then what was agreed on.
+void agree(const iovec *parts, int count, FuseDisk &disk)
+{
+    if (count < 2 || parts[1].iov_len < sizeof(fuse_init_out))
+        return;
+    const auto *header = static_cast<const fuse_out_header *>(parts[0].iov_base);
+    if (header->unique != disk.greeting || header->error != 0)
+        return;
+    static_cast<fuse_init_out *>(parts[1].iov_base)->flags |= FUSE_HANDLE_KILLPRIV_V2;
+    disk.greeting = 0;
+}
+
+ssize_t receive(int device, void *buffer, std::size_t size, void *)
+{
+    return ::read(device, buffer, std::min(size, RequestBuffer::size()));
+}
+
+ssize_t send(int device, iovec *parts, int count, void *userData)
+{
+    FuseDisk &disk = *static_cast<FuseDisk *>(userData);
+    if (disk.greeting != 0)
+        agree(parts, count, disk);
+    return ::writev(device, parts, count);
+}
+
+} // namespace
+
+void noteRequest(ByteView message, FuseDisk &disk)
 {
     fuse_in_header header{};
     if (!read(message, 0, header))
@@ -37,37 +66,6 @@ void note(ByteView message, FuseDisk &disk)
             disk.greeting = header.unique;
     }
 }
-
-// libfuse's answer to the greeting: the header, then what was agreed on.
-void agree(const iovec *parts, int count, FuseDisk &disk)
-{
-    if (count < 2 || parts[1].iov_len < sizeof(fuse_init_out))
-        return;
-    const auto *header = static_cast<const fuse_out_header *>(parts[0].iov_base);
-    if (header->unique != disk.greeting || header->error != 0)
-        return;
-    static_cast<fuse_init_out *>(parts[1].iov_base)->flags |= FUSE_HANDLE_KILLPRIV_V2;
-    disk.greeting = 0;
-}
-
-ssize_t receive(int device, void *buffer, std::size_t size, void *userData)
-{
-    const ssize_t got = ::read(device, buffer, size);
-    if (got > 0)
-        note({static_cast<const std::uint8_t *>(buffer), static_cast<std::size_t>(got)},
-             *static_cast<FuseDisk *>(userData));
-    return got;
-}
-
-ssize_t send(int device, iovec *parts, int count, void *userData)
-{
-    FuseDisk &disk = *static_cast<FuseDisk *>(userData);
-    if (disk.greeting != 0)
-        agree(parts, count, disk);
-    return ::writev(device, parts, count);
-}
-
-} // namespace
 
 bool installTransport(fuse_session *session)
 {

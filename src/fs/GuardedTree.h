@@ -19,6 +19,9 @@ class GuardedTree final
 {
 public:
     explicit GuardedTree(NBNimbrelFS &delegate); // outlives this
+    // The kernel lets only those in who may (default_permissions); else the store decides for this
+    // process, which is its only user.
+    void setIsCheckedByKernel(bool isChecked) noexcept { _isCheckedByKernel = isChecked; }
 
     // The longest plain name in bytes: 189 with encrypted names, the store's own (255) else.
     [[nodiscard]] std::size_t longestName() const noexcept;
@@ -50,10 +53,16 @@ public:
     // Of an open file, also of one that has no name any more.
     NBDone setAttributes(NBFileHandle &file, const NBItemAttributes &attributes);
     NBDone syncFolder(const std::string &path);
+    // access(2) for this process: `mask` of R_OK, W_OK, X_OK, or F_OK.
+    NBDone checkAccess(const std::string &path, int mask);
     // Takes set-uid and set-gid bits off a file that is about to be changed by somebody who may not
     // keep them. A store does so itself, but not for root's writes.
     NBDone dropPrivileges(const NBFileHandle &file);
 
+    // Until an ACL was seen on a private disk, an item without one says EOPNOTSUPP instead of
+    // ENODATA: programs ask for each file else. Folders that are shared by ACLs have one
+    // themselves.
+    void lookForAccessLists();
     NBErrnoOr<std::vector<std::string>> extendedAttributes(const std::string &path);
     NBErrnoOr<Bytes> extendedAttribute(const std::string &path, const std::string &name);
     NBDone setExtendedAttribute(const std::string &path, const std::string &name, ByteView value,
@@ -61,6 +70,8 @@ public:
     NBDone removeExtendedAttribute(const std::string &path, const std::string &name);
 
 private:
+    // Names of attributes, looked through for access lists.
+    std::vector<std::string> noted(std::vector<std::string> names);
     // EPERM for the folder's own configuration, ENAMETOOLONG or EILSEQ for names that can't be.
     NBDone checkChange(const std::string &path);
     NBDone checkNew(const std::string &path);
@@ -71,6 +82,8 @@ private:
                     NBDone (GuardedTree::*undo)(const std::string &));
 
     NBNimbrelFS &_delegate;
+    bool _isCheckedByKernel = false;
+    bool _hasAccessLists = false; // one was seen
 };
 
 } // namespace nimbrel

@@ -4,6 +4,7 @@
 #include "fs/ConfigurationProtection.h"
 #include "fs/OnDiskPath.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
@@ -40,6 +41,11 @@ NBDone setDates(int descriptor, const NBItemAttributes &attributes)
     const std::array<timespec, 2> dates = {attributes.accessDate.value_or(unchanged),
                                            attributes.modificationDate.value_or(unchanged)};
     return ::futimens(descriptor, dates.data()) == 0 ? NBDone() : NBErrno::last();
+}
+
+bool isAccessList(std::string_view name)
+{
+    return name == "system.posix_acl_access" || name == "system.posix_acl_default";
 }
 
 std::vector<std::string> namesIn(std::string_view list)
@@ -97,6 +103,28 @@ NBDone GuardedTree::dropPrivileges(const NBFileHandle &file)
     return (mode & dropped) == 0 ? NBDone() : changeMode(file.descriptor.get(), mode & ~dropped);
 }
 
+NBDone GuardedTree::checkAccess(const std::string &path, int mask)
+{
+    if ((mask & W_OK) != 0)
+        if (NBDone allowed = checkChange(path); !allowed)
+            return allowed;
+    return callOnPath(_delegate._securePathWithPath(path), [&](const char *item) {
+        return ::faccessat(AT_FDCWD, item, mask, AT_EACCESS | AT_SYMLINK_NOFOLLOW);
+    });
+}
+
+void GuardedTree::lookForAccessLists()
+{
+    for (const char *name : {"system.posix_acl_access", "system.posix_acl_default"})
+        _hasAccessLists = _hasAccessLists || _delegate.valueOfExtendedAttribute(name, "/");
+}
+
+std::vector<std::string> GuardedTree::noted(std::vector<std::string> names)
+{
+    _hasAccessLists = _hasAccessLists || std::ranges::any_of(names, isAccessList);
+    return names;
+}
+
 // Not by the delegate, which loses its way behind a name that isn't ASCII: a copy of such a file
 // would ask for attributes that aren't there, and fail.
 NBErrnoOr<std::vector<std::string>> GuardedTree::extendedAttributes(const std::string &path)
@@ -114,7 +142,7 @@ NBErrnoOr<std::vector<std::string>> GuardedTree::extendedAttributes(const std::s
             return length;
         });
         if (done)
-            return namesIn(list);
+            return noted(namesIn(list));
         if (done.code() != ERANGE) // else one was added meanwhile
             return done.error();
     }
@@ -123,10 +151,12 @@ NBErrnoOr<std::vector<std::string>> GuardedTree::extendedAttributes(const std::s
 NBErrnoOr<Bytes> GuardedTree::extendedAttribute(const std::string &path, const std::string &name)
 {
     NBErrnoOr<Bytes> value = _delegate.valueOfExtendedAttribute(name, path);
+    if (isAccessList(name))
+        _hasAccessLists = _hasAccessLists || value;
     // "None here" is asked again for each file of a listing, "not on this disk" once.
-    if (value.code() == ENODATA && name == "security.selinux")
-        return NBErrno{EOPNOTSUPP};
-    return value;
+    const bool isNever = name == "security.selinux" ||
+                         (isAccessList(name) && !_hasAccessLists && !_isCheckedByKernel);
+    return value.code() == ENODATA && isNever ? NBErrno{EOPNOTSUPP} : std::move(value);
 }
 
 NBDone GuardedTree::setExtendedAttribute(const std::string &path, const std::string &name,
@@ -134,6 +164,7 @@ NBDone GuardedTree::setExtendedAttribute(const std::string &path, const std::str
 {
     if (NBDone allowed = checkChange(path); !allowed)
         return allowed;
+    _hasAccessLists = _hasAccessLists || isAccessList(name);
     return _delegate.setExtendedAttribute(name, path, value, options);
 }
 

@@ -28,6 +28,18 @@ bool isForWriting(int flags)
     return (flags & O_ACCMODE) != O_RDONLY || (flags & O_TRUNC) != 0;
 }
 
+mode_t permissionsFor(int flags)
+{
+    switch (flags & O_ACCMODE) {
+    case O_RDONLY:
+        return (flags & O_TRUNC) == 0 ? S_IRUSR : S_IRUSR | S_IWUSR;
+    case O_WRONLY:
+        return S_IWUSR;
+    default:
+        return S_IRUSR | S_IWUSR;
+    }
+}
+
 NBDone checkIsFile(const NBFileHandle &file)
 {
     struct stat attributes = {};
@@ -51,10 +63,12 @@ NBErrnoOr<NBFileHandle> GuardedTree::open(const std::string &path, int flags)
         return openOnce(path, flags & keptFlags & ~O_NOATIME);
     if (file.code() != EACCES)
         return file;
-    const NBDone opened = withOwnerAccess(_delegate._securePathWithPath(path), [&]() -> NBDone {
+    const mode_t needed = _isCheckedByKernel ? 0 : permissionsFor(flags);
+    const auto again = [&]() -> NBDone {
         file = openOnce(path, flags & keptFlags);
         return file ? NBDone() : file.error();
-    });
+    };
+    const NBDone opened = withOwnerAccess(_delegate._securePathWithPath(path), needed, again);
     if (!opened)
         return opened.error();
     return file;

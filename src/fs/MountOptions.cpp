@@ -16,6 +16,8 @@ constexpr std::array<std::string_view, 8> droppedBeginnings = {
 constexpr std::array<std::string_view, 4> droppedWords = {"native_xattr", "local", "auto_cache",
                                                           "nonempty"};
 
+constexpr std::array<std::string_view, 2> sharingWords = {"allow_other", "allow_root"};
+
 bool isDropped(std::string_view option)
 {
     return option.empty() || std::ranges::find(droppedWords, option) != droppedWords.end() ||
@@ -38,11 +40,20 @@ std::string escaped(std::string_view value)
 
 } // namespace
 
+bool isShared(const std::vector<std::string> &options)
+{
+    return std::ranges::find_first_of(options, sharingWords) != options.end();
+}
+
 std::vector<std::string> libfuseOptions(const std::vector<std::string> &options,
                                         const std::string &encryptedFolder)
 {
     std::vector<std::string> translated = {"fsname=" + escaped(encryptedFolder), "subtype=nimbrel",
-                                           "nosuid", "nodev", "default_permissions"};
+                                           "nosuid", "nodev"};
+    // On a private disk every caller is who serves it, and the store decides; where others are let
+    // in the kernel has to.
+    if (isShared(options))
+        translated.emplace_back("default_permissions");
     for (const std::string &option : options)
         if (!isDropped(option) && std::ranges::find(translated, option) == translated.end())
             translated.push_back(option);

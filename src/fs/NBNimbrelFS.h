@@ -121,8 +121,8 @@ public:
                                           ByteSpan buffer, std::int64_t offset);
     NBErrnoOr<std::size_t> writeFileAtPath(const std::string &path, NBFileHandle &userData,
                                            ByteView buffer, std::int64_t offset);
-    // A run of blocks as it stands on disk, made plain in place as reading makes it; `offset` is where
-    // it begins in the file. False when the cipher failed.
+    // A run of blocks as it stands on disk, made plain in place as reading makes it; `offset` is
+    // where it begins in the file. False when the cipher failed.
     [[nodiscard]] bool decipherBlocks(ByteSpan run, std::int64_t offset) const;
     void releaseFileAtPath(const std::string &path, NBFileHandle &userData);
 

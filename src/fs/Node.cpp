@@ -1,6 +1,7 @@
 #include "fs/Node.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace nimbrel {
 
@@ -17,6 +18,15 @@ std::uint64_t nanoseconds(const timespec &time) noexcept
 ContentVersion ContentVersion::of(const struct stat &attributes) noexcept
 {
     return {nanoseconds(attributes.st_mtim), nanoseconds(attributes.st_ctim), attributes.st_size};
+}
+
+std::uint64_t ContentVersion::digest() const noexcept
+{
+    constexpr std::uint64_t factor = 0x9E3779B97F4A7C15U; // odd, bits well spread
+    std::uint64_t digest = 1;
+    for (const std::uint64_t part : {modified, changed, static_cast<std::uint64_t>(size)})
+        digest = std::rotl((digest ^ part) * factor, 29);
+    return std::max<std::uint64_t>(digest, 1);
 }
 
 const std::vector<OpenFile *> &Node::openFiles() const noexcept

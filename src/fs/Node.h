@@ -24,6 +24,9 @@ struct Node
 {
     std::uint64_t number = 0; // 0: a free place of the pool
     ino_t inode = 0;
+    // ContentVersion::digest() of the attributes that the kernel has of it; 0 where it has none, or
+    // takes them for outdated itself.
+    std::uint64_t told = 0;
     std::uint32_t device = 0; // the kernel's device numbers have 32 bits
     std::uint16_t type = 0;   // S_IFMT bits
 
@@ -58,6 +61,6 @@ private:
     std::unique_ptr<Opened> _opened; // only of what was opened once
 };
 
-static_assert(sizeof(Node) <= 56);
+static_assert(sizeof(Node) <= 64);
 
 } // namespace nimbrel

@@ -72,6 +72,7 @@ void NodeReclaimer::stop()
         _waiting.clear();
     }
     _changed.notify_all();
+    const std::lock_guard lock(_joining);
     if (_thread.joinable())
         _thread.join();
 }

@@ -39,8 +39,8 @@ public:
     void offer(std::vector<NodePlace> places);
 
     // Forgets what waits and comes back when the drop under way is done; offers from then on are
-    // left out. To be called where that drop can end: while the FUSE thread serves, or when the
-    // connection is dead.
+    // left out. From any thread, also from several. To be called where that drop can end: while the
+    // FUSE thread serves, or when the connection is dead.
     void stop();
 
 private:
@@ -52,6 +52,7 @@ private:
     std::condition_variable _changed;
     std::deque<NodePlace> _waiting;
     bool _stopped = false;
+    std::mutex _joining;
     std::thread _thread; // last: it uses all of the above
 };
 

@@ -7,9 +7,9 @@
 
 namespace nimbrel {
 
-// Its listing, and a way back in it: the kernel takes what fits its caller's buffer and asks for the
-// rest again. What was given last is kept for that, since not every store finds a place again after
-// something was removed.
+// Its listing, and a way back in it: the kernel takes what fits its caller's buffer and asks for
+// the rest again. What was given last is kept for that, since not every store finds a place again
+// after something was removed.
 class OpenFolder final
 {
 public:

@@ -10,7 +10,8 @@
 
 namespace nimbrel {
 
-NBDone withOwnerAccess(const std::string &onDiskPath, const std::function<NBDone()> &work)
+NBDone withOwnerAccess(const std::string &onDiskPath, mode_t needed,
+                       const std::function<NBDone()> &work)
 {
     constexpr mode_t access = S_IRUSR | S_IWUSR;
     const NBErrno refused{EACCES};
@@ -21,7 +22,7 @@ NBDone withOwnerAccess(const std::string &onDiskPath, const std::function<NBDone
     const mode_t mode = attributes.st_mode & 07777U;
     // A change of mode may cost the set-gid bit for good: who isn't in the group can't set it.
     if (!S_ISREG(attributes.st_mode) || attributes.st_uid != ::geteuid() ||
-        (mode & access) == access || (mode & S_ISGID) != 0)
+        (mode & needed) != needed || (mode & access) == access || (mode & S_ISGID) != 0)
         return refused;
     if (!changeMode(item->get(), mode | access))
         return refused;

@@ -1,31 +1,10 @@
 #include "fs/PathCache.h"
 
-#include <csignal>
+#include "fs/AllSignalsBlocked.h"
+
 #include <system_error>
 
 namespace nimbrel {
-
-namespace {
-
-// The process's signals are for its other threads: a new thread inherits the mask.
-class AllSignalsBlocked final
-{
-public:
-    AllSignalsBlocked()
-    {
-        sigset_t all;
-        sigfillset(&all);
-        ::pthread_sigmask(SIG_SETMASK, &all, &_before);
-    }
-    ~AllSignalsBlocked() { ::pthread_sigmask(SIG_SETMASK, &_before, nullptr); }
-    AllSignalsBlocked(const AllSignalsBlocked &) = delete;
-    AllSignalsBlocked &operator=(const AllSignalsBlocked &) = delete;
-
-private:
-    sigset_t _before{};
-};
-
-} // namespace
 
 PathCache::PathCache(std::chrono::milliseconds interval) : _interval(interval)
 {

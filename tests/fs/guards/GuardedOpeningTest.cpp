@@ -114,6 +114,7 @@ TEST(GuardedOpeningTest, AFileThatItsOwnerMayNotReadIsWritten)
 {
     expectPassed(asOrdinaryUser([](const std::string &store) {
         GuardedFolder folder{{.store = store}};
+        folder.tree().setIsCheckedByKernel(true);
         (void)folder.create("/file", "text");
         for (const mode_t mode : {0200U, 0020U, 0000U, 04220U}) {
             NBItemAttributes attributes;
@@ -127,10 +128,37 @@ TEST(GuardedOpeningTest, AFileThatItsOwnerMayNotReadIsWritten)
     }));
 }
 
+// On a private disk nobody has asked before whether the user may.
+TEST(GuardedOpeningTest, WhereTheStoreDecidesAFilesOwnerGetsNoMoreThanItsPermissions)
+{
+    expectPassed(asOrdinaryUser([](const std::string &store) {
+        GuardedFolder folder{{.store = store}};
+        (void)folder.create("/file", "text");
+        struct Case
+        {
+            mode_t mode;
+            int flags;
+            int code;
+        };
+        for (const Case &each :
+             {Case{0200, O_WRONLY, 0}, Case{0200, O_RDONLY, EACCES}, Case{0200, O_RDWR, EACCES},
+              Case{0400, O_WRONLY, EACCES}, Case{0400, O_RDONLY, 0}, Case{0060, O_RDWR, EACCES},
+              Case{0, O_RDONLY, EACCES}, Case{0, O_WRONLY, EACCES}}) {
+            NBItemAttributes attributes;
+            attributes.posixPermissions = each.mode;
+            ASSERT_TRUE(folder.tree().setAttributes("/file", attributes));
+            EXPECT_EQ(codeOf(folder, "/file", each.flags), each.code)
+                << std::oct << each.mode << ' ' << each.flags;
+            EXPECT_EQ(modeOf(folder, "/file"), each.mode);
+        }
+    }));
+}
+
 TEST(GuardedOpeningTest, ACreatedFileMayHaveNoPermissionsAtAll)
 {
     expectPassed(asOrdinaryUser([](const std::string &store) {
         GuardedFolder folder{{.store = store}};
+        folder.tree().setIsCheckedByKernel(true);
         NBErrnoOr<NBFileHandle> file =
             folder.tree().create("/file", O_WRONLY | O_EXCL, 0, thisUser());
         ASSERT_TRUE(file);

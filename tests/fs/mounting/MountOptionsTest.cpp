@@ -12,8 +12,16 @@ using testing::ElementsAre;
 TEST(NBMountOptionsTest, WithoutOptionsTheDiskIsNamedAndSafe)
 {
     EXPECT_THAT(libfuseOptions({}, "/home/ann/Safe.nmc"),
-                ElementsAre("fsname=/home/ann/Safe.nmc", "subtype=nimbrel", "nosuid", "nodev",
-                            "default_permissions"));
+                ElementsAre("fsname=/home/ann/Safe.nmc", "subtype=nimbrel", "nosuid", "nodev"));
+}
+
+TEST(NBMountOptionsTest, WhereOthersAreLetInTheKernelChecksThem)
+{
+    for (const char *word : {"allow_other", "allow_root"}) {
+        EXPECT_TRUE(isShared({"ro", word}));
+        EXPECT_THAT(libfuseOptions({"ro", word}, "/e"), testing::Contains("default_permissions"));
+    }
+    EXPECT_FALSE(isShared({"ro", "allow"}));
 }
 
 TEST(NBMountOptionsTest, AVolumesWholeListKeepsOnlyWhatLinuxHas)
@@ -30,8 +38,8 @@ TEST(NBMountOptionsTest, AVolumesWholeListKeepsOnlyWhatLinuxHas)
 TEST(NBMountOptionsTest, OtherOptionsPassInOrderAndOnceEach)
 {
     EXPECT_THAT(libfuseOptions({"ro", "noatime", "ro", "nosuid", "max_read=4096"}, "/e"),
-                ElementsAre("fsname=/e", "subtype=nimbrel", "nosuid", "nodev",
-                            "default_permissions", "ro", "noatime", "max_read=4096"));
+                ElementsAre("fsname=/e", "subtype=nimbrel", "nosuid", "nodev", "ro", "noatime",
+                            "max_read=4096"));
 }
 
 TEST(NBMountOptionsTest, CommasAndBackslashesOfTheFolderAreEscaped)
@@ -43,13 +51,13 @@ TEST(NBMountOptionsTest, ALabelWithACommaBringsNoOption)
 {
     const auto options = libfuseOptions({"volname=Safe,allow_other"}, "/e");
     EXPECT_EQ(std::ranges::count(options, "allow_other"), 0);
-    EXPECT_EQ(options.size(), 5U);
+    EXPECT_EQ(options.size(), 4U);
 }
 
 TEST(NBMountOptionsTest, NobodyElseNamesTheDisk)
 {
     const auto options = libfuseOptions({"fsname=other", "subtype=other", "nonempty", ""}, "/e");
-    EXPECT_EQ(options.size(), 5U);
+    EXPECT_EQ(options.size(), 4U);
     EXPECT_EQ(options[0], "fsname=/e");
 }
 

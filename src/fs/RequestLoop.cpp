@@ -1,0 +1,92 @@
+#include "fs/RequestLoop.h"
+
+#include "fs/AllSignalsBlocked.h"
+#include "fs/FuseRequest.h"
+#include "fs/FuseTransport.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <linux/fuse.h>
+#include <new>
+#include <system_error>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace nimbrel {
+
+namespace {
+
+constexpr std::size_t cacheLine = 64;
+constexpr std::size_t alignment = 4096;
+constexpr std::size_t mostPages = 256;   // of one request, as libfuse has it
+constexpr std::size_t headerRoom = 4096; // and what comes before them
+constexpr std::size_t writeHeader = sizeof(fuse_in_header) + sizeof(fuse_write_in);
+constexpr std::size_t lead = (cacheLine - writeHeader % cacheLine) % cacheLine;
+
+} // namespace
+
+RequestBuffer::RequestBuffer()
+    : _memory(static_cast<std::byte *>(::operator new (lead + size(), std::align_val_t{alignment})))
+{
+}
+
+void *RequestBuffer::data() const noexcept
+{
+    return _memory.get() + lead;
+}
+
+std::size_t RequestBuffer::size() noexcept
+{
+    return mostPages * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE)) + headerRoom;
+}
+
+ByteSpan RequestBuffer::reply() const noexcept
+{
+    return {reinterpret_cast<std::uint8_t *>(_memory.get()) + headerRoom, size() - headerRoom};
+}
+
+void RequestBuffer::Free::operator()(std::byte *memory) const noexcept
+{
+    ::operator delete (memory, std::align_val_t{alignment});
+}
+
+int RequestLoop::run()
+{
+    {
+        std::vector<std::jthread> others;
+        const AllSignalsBlocked blocked;
+        try {
+            while (others.size() + 1 < threads)
+                others.emplace_back([this] { serve(); });
+        } catch (const std::system_error &) {
+            // Fewer of them, or this one alone.
+        }
+        serve();
+    }
+    return _error;
+}
+
+void RequestLoop::serve()
+{
+    const RequestBuffer buffer;
+    fuse_buf request{};
+    request.mem = buffer.data();
+    while (fuse_session_exited(_session) == 0) {
+        const int got = fuse_session_receive_buf(_session, &request);
+        if (got == -EINTR)
+            continue;
+        std::unique_lock turn(_oneAtATime);
+        if (got <= 0) {
+            _error = std::max(_error, -got);
+            return;
+        }
+        noteRequest({static_cast<const std::uint8_t *>(request.mem), static_cast<std::size_t>(got)},
+                    _disk);
+        _disk.turn = &turn;
+        _disk.reply = buffer.reply();
+        fuse_session_process_buf(_session, &request);
+    }
+}
+
+} // namespace nimbrel
