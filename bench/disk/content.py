@@ -103,8 +103,10 @@ def read_pieces(file, offsets):
 
 
 def write_pieces(file, offsets):
+    """Up to where the bytes are in the store, also with a writeback cache."""
     for offset in offsets:
         os.pwrite(file, piece_at(offset), offset)
+    os.fsync(file)
 
 
 def piece_at(offset):

@@ -42,7 +42,7 @@ enum class CryptMode : std::int32_t
 
 // A block's form follows from its length alone: a whole block takes the block cipher, a shorter
 // one the stream cipher, and the block's number is its whole vector seed. Not thread-safe: a
-// mounted folder calls it from its FUSE thread only.
+// mounted folder calls it one at a time.
 class NBCryptor final
 {
 public:

@@ -14,7 +14,7 @@ namespace {
 
 // What goes through the cipher at a time: on its way to the store it is still in the processor's
 // cache.
-constexpr std::size_t cachedPiece = std::size_t{256} << 10U; // bytes
+constexpr std::size_t cachedPiece = std::size_t{128} << 10U; // bytes
 constexpr int mostTries = 4;
 constexpr std::int64_t storePage = 4096; // no store takes less of a page than its own blocks
 

@@ -13,7 +13,7 @@ namespace nimbrel {
 // Calls the delegate so that its sharp edges are never met: gaps read as zeros, a growing file's
 // old last block is re-encoded, a failed write is told, requests end at the end of the file. Every
 // error is a positive errno, and what a failed call leaves behind is readable. Offsets and sizes
-// are in bytes. One call at a time, from the FUSE thread.
+// are in bytes. One call at a time.
 class GuardedContent final
 {
 public:

@@ -14,7 +14,7 @@
 namespace nimbrel {
 
 // All paths are plain, absolute and rooted at the mount point. Every error is a positive errno,
-// never 0. One call at a time, from the FUSE thread.
+// never 0. One call at a time.
 class GuardedTree final
 {
 public:

@@ -41,7 +41,7 @@ struct NBDirectoryListing
 
 // Does exactly what the format's first implementation does, quirks included; what real programs
 // need beyond that, the binding above adds. Plain paths are absolute and rooted at the mount
-// point. Not thread-safe: one call at a time, from the FUSE thread; only the purge of the path
+// point. Not thread-safe: one call at a time; only the purge of the path
 // cache has a thread of its own.
 class NBNimbrelFS final
 {

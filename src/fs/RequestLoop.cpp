@@ -51,13 +51,20 @@ void RequestBuffer::Free::operator()(std::byte *memory) const noexcept
     ::operator delete (memory, std::align_val_t{alignment});
 }
 
+std::size_t RequestLoop::threads() noexcept
+{
+    constexpr std::size_t several = 4;
+    static const std::size_t count = std::thread::hardware_concurrency() == 1 ? 1 : several;
+    return count;
+}
+
 int RequestLoop::run()
 {
     {
         std::vector<std::jthread> others;
         const AllSignalsBlocked blocked;
         try {
-            while (others.size() + 1 < threads)
+            while (others.size() + 1 < threads())
                 others.emplace_back([this] { serve(); });
         } catch (const std::system_error &) {
             // Fewer of them, or this one alone.

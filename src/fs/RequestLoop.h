@@ -40,7 +40,8 @@ private:
 class RequestLoop final
 {
 public:
-    static constexpr std::size_t threads = 4;
+    // One where there is one processor: it would only be handed from thread to thread.
+    [[nodiscard]] static std::size_t threads() noexcept;
 
     RequestLoop(fuse_session *session, FuseDisk &disk) : _session(session), _disk(disk) {}
 

@@ -87,6 +87,19 @@ TEST_F(CloudTest, FilesThatComeInAreSeen)
     EXPECT_EQ(readFile(*_here / "link"), noise(10'000, 1));
 }
 
+// The kernel may keep what it read of a folder, but not over a change.
+TEST_F(CloudTest, AFolderThatWasReadShowsWhatCameInAtItsNextOpening)
+{
+    NIMBREL_NEED_PROGRAM("rsync");
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_EQ(namesHere().size(), static_cast<std::size_t>(i));
+        EXPECT_EQ(namesHere().size(), static_cast<std::size_t>(i));
+        writeFile(*_there / ("file-" + std::to_string(i)), "text");
+        synchronise();
+        EXPECT_EQ(namesHere().count("file-" + std::to_string(i)), 1U) << i;
+    }
+}
+
 TEST_F(CloudTest, ACachedFileThatIsReplacedIsSeenSoon)
 {
     NIMBREL_NEED_PROGRAM("rsync");

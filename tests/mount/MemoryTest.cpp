@@ -74,6 +74,20 @@ TEST_F(MemoryTest, WorkDoesNotPileUp)
     EXPECT_LT(withHelpers(disk.daemon()), before + 4 * mebibyte);
 }
 
+// Every name that is looked for has an on-disk path, which is kept for up to thirty seconds.
+TEST_F(MemoryTest, LookingForManyNamesDoesNotPileUp)
+{
+    const MountedFolder disk;
+    const auto lookFor = [&](int from, int to) {
+        for (int i = from; i < to; ++i)
+            ASSERT_FALSE(exists(disk / ("a name of usual length " + std::to_string(i))));
+    };
+    lookFor(0, 10'000);
+    const std::uint64_t before = withHelpers(disk.daemon());
+    lookFor(10'000, 60'000);
+    EXPECT_LT(withHelpers(disk.daemon()), before + 4 * mebibyte);
+}
+
 TEST_F(MemoryTest, OpenFilesAreGivenBack)
 {
     const MountedFolder disk;

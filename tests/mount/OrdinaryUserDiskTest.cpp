@@ -1,6 +1,5 @@
 // A disk that an ordinary user mounts: his alone, and his to take away.
 #include "mount/Calls.h"
-#include "support/MountInfo.h"
 #include "mount/MountedFolder.h"
 #include "mount/Nimbrelctl.h"
 #include "mount/OpenFile.h"
@@ -8,6 +7,7 @@
 #include "mount/OrdinaryUser.h"
 #include "mount/Tree.h"
 #include "support/Files.h"
+#include "support/MountInfo.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -111,6 +111,31 @@ TEST_F(OrdinaryUserDiskTest, UnlinkedFilesWork)
         file.truncate(5002);
         file.sync();
         return file.readAt(10, 5000) == "te" && file.status().st_nlink == 0 ? 0 : 1;
+    };
+    EXPECT_EQ(as(owner(), work), 0);
+}
+
+// Nobody but the store is asked what its user may.
+TEST_F(OrdinaryUserDiskTest, PermissionsAreThoseOfTheStore)
+{
+    const auto work = [&] {
+        writeFile(path("file"), "text");
+        const auto access = [&](int mask) {
+            return errnoOf([&] { return ::access(path("file").c_str(), mask); });
+        };
+        const auto open = [&](int flags) {
+            return errnoOf([&] { return ::open(path("file").c_str(), flags); });
+        };
+        must(::chmod(path("file").c_str(), 0400), "chmod");
+        if (access(R_OK) != 0 || access(W_OK) != EACCES || access(X_OK) != EACCES ||
+            open(O_RDONLY) != 0 || open(O_WRONLY) != EACCES || open(O_RDWR) != EACCES)
+            return 1;
+        must(::chmod(path("file").c_str(), 0200), "chmod");
+        if (access(R_OK) != EACCES || access(W_OK) != 0 || open(O_RDONLY) != EACCES ||
+            open(O_WRONLY) != 0)
+            return 2;
+        must(::chmod(path("file").c_str(), 0), "chmod");
+        return access(F_OK) == 0 && open(O_RDONLY) == EACCES && open(O_WRONLY) == EACCES ? 0 : 3;
     };
     EXPECT_EQ(as(owner(), work), 0);
 }

@@ -71,7 +71,7 @@ TEST(GuardedReadTest, OfManyBlocksIsOneCallAPiece)
     NBFileHandle file = folder.create("/file", text);
     for (const std::size_t pieces : {1U, 2U, 4U}) {
         const std::size_t before = readCalls();
-        const std::size_t size = pieces << 18U;
+        const std::size_t size = pieces << 17U;
         EXPECT_EQ(difference(text.substr(0, size), readSome(folder, file, size, 0).text), "");
         EXPECT_EQ(readCalls() - before, pieces);
     }
