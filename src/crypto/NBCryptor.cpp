@@ -2,6 +2,7 @@
 
 #include "crypto/Base64.h"
 #include "crypto/BlockRuns.h"
+#include "crypto/GrowingPiece.h"
 #include "crypto/RandomBytes.h"
 #include "crypto/StreamForm.h"
 #include "crypto/VectorTable.h"
@@ -35,7 +36,7 @@ NBCryptor::NBCryptor(NBEncryptionKey key, Bytes salt, const NBCryptorSettings &s
     : _checkKey(settings.checkKey), _blockSize(static_cast<std::uint64_t>(settings.blockSize)),
       _key(std::move(key)), _salt(std::move(salt)),
       _kdfIterations(static_cast<std::uint64_t>(settings.kdfIterations)),
-      _vectors(std::make_unique<VectorTable>())
+      _vectors(std::make_unique<VectorTable>()), _lastPiece(std::make_unique<GrowingPiece>())
 {
 }
 
@@ -172,7 +173,10 @@ bool NBCryptor::cryptRun(ByteView data, std::uint64_t firstBlock, ByteSpan out,
         return true;
     if (restOut.data() != rest.data())
         std::copy(rest.begin(), rest.end(), restOut.begin());
-    return cryptPiece(restOut, firstBlock + blocks, mode);
+    const std::uint64_t seed = firstBlock + blocks;
+    if (mode == CryptMode::Decrypt)
+        return cryptPiece(restOut, seed, mode);
+    return _lastPiece->encrypt(restOut, seed, _vectors->ofStream(seed, _key), _key.contexts());
 }
 
 bool NBCryptor::cryptWholeBlocks(ByteView data, std::uint64_t firstBlock, std::uint8_t *out,

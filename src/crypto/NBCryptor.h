@@ -12,6 +12,7 @@
 
 namespace nimbrel {
 
+class GrowingPiece; // the last short piece, for the next append; stays inside crypto/
 class VectorTable; // the first vectors of a volume, kept; stays inside crypto/
 
 struct NBCryptorSettings
@@ -155,6 +156,7 @@ private:
     Bytes _salt;
     std::uint64_t _kdfIterations;
     std::unique_ptr<VectorTable> _vectors;
+    std::unique_ptr<GrowingPiece> _lastPiece;
 };
 
 } // namespace nimbrel

@@ -150,6 +150,7 @@ void write(fuse_req_t request, fuse_ino_t, const char *data, std::size_t size, o
             file.pendingError = done.code();
             return done.error();
         }
+        file.node->told = 0; // the kernel asks anew after a write
         fuse_reply_write(request, *done);
         return {};
     });

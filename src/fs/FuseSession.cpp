@@ -61,7 +61,7 @@ std::string withReason(std::string_view what)
 std::vector<std::thread> wakeLoop(const std::string &path)
 {
     std::vector<std::thread> wakers;
-    while (wakers.size() < RequestLoop::threads())
+    while (wakers.size() < RequestLoop::mostThreads)
         wakers.emplace_back([path] {
             struct statvfs ignored = {};
             (void)::statvfs(path.c_str(), &ignored);

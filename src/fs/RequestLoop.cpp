@@ -8,10 +8,9 @@
 #include <cerrno>
 #include <linux/fuse.h>
 #include <new>
+#include <sched.h>
 #include <system_error>
-#include <thread>
 #include <unistd.h>
-#include <vector>
 
 namespace nimbrel {
 
@@ -53,25 +52,32 @@ void RequestBuffer::Free::operator()(std::byte *memory) const noexcept
 
 std::size_t RequestLoop::threads() noexcept
 {
-    constexpr std::size_t several = 4;
-    static const std::size_t count = std::thread::hardware_concurrency() == 1 ? 1 : several;
-    return count;
+    cpu_set_t processors; // that this process may use, not those of the machine
+    const bool isKnown = ::sched_getaffinity(0, sizeof processors, &processors) == 0;
+    return isKnown && CPU_COUNT(&processors) == 1 ? 1 : mostThreads;
 }
 
 int RequestLoop::run()
 {
     {
-        std::vector<std::jthread> others;
-        const AllSignalsBlocked blocked;
-        try {
-            while (others.size() + 1 < threads())
-                others.emplace_back([this] { serve(); });
-        } catch (const std::system_error &) {
-            // Fewer of them, or this one alone.
-        }
+        const std::vector<std::jthread> others = startOthers();
         serve();
     }
     return _error;
+}
+
+// Fewer of them, or none, where the system has no more threads.
+std::vector<std::jthread> RequestLoop::startOthers()
+{
+    const AllSignalsBlocked blocked;
+    std::vector<std::jthread> others;
+    try {
+        while (others.size() + 1 < threads())
+            others.emplace_back([this] { serve(); });
+    } catch (const std::system_error &) {
+        return others;
+    }
+    return others;
 }
 
 void RequestLoop::serve()

@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <memory>
 #include <mutex>
+#include <thread>
+#include <vector>
 
 struct fuse_session;
 
@@ -40,8 +42,7 @@ private:
 class RequestLoop final
 {
 public:
-    // One where there is one processor: it would only be handed from thread to thread.
-    [[nodiscard]] static std::size_t threads() noexcept;
+    static constexpr std::size_t mostThreads = 4;
 
     RequestLoop(fuse_session *session, FuseDisk &disk) : _session(session), _disk(disk) {}
 
@@ -50,6 +51,9 @@ public:
     [[nodiscard]] int run();
 
 private:
+    // One where there is one processor: it would only be handed from thread to thread.
+    [[nodiscard]] static std::size_t threads() noexcept;
+    [[nodiscard]] std::vector<std::jthread> startOthers();
     void serve();
 
     fuse_session *_session;
