@@ -61,28 +61,29 @@ int RequestLoop::run()
 {
     {
         const std::vector<std::jthread> others = startOthers();
-        serve();
+        serve(RequestBuffer());
     }
     return _error;
 }
 
-// Fewer of them, or none, where the system has no more threads.
+// Fewer of them, or none, where the system has no more threads or memory.
 std::vector<std::jthread> RequestLoop::startOthers()
 {
     const AllSignalsBlocked blocked;
     std::vector<std::jthread> others;
     try {
         while (others.size() + 1 < threads())
-            others.emplace_back([this] { serve(); });
+            others.emplace_back([this, buffer = RequestBuffer()] { serve(buffer); });
     } catch (const std::system_error &) {
+        return others;
+    } catch (const std::bad_alloc &) {
         return others;
     }
     return others;
 }
 
-void RequestLoop::serve()
+void RequestLoop::serve(const RequestBuffer &buffer)
 {
-    const RequestBuffer buffer;
     fuse_buf request{};
     request.mem = buffer.data();
     while (fuse_session_exited(_session) == 0) {

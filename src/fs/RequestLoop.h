@@ -54,7 +54,7 @@ private:
     // One where there is one processor: it would only be handed from thread to thread.
     [[nodiscard]] static std::size_t threads() noexcept;
     [[nodiscard]] std::vector<std::jthread> startOthers();
-    void serve();
+    void serve(const RequestBuffer &buffer);
 
     fuse_session *_session;
     FuseDisk &_disk;
