@@ -40,7 +40,7 @@ public:
     }
     [[nodiscard]] static T &at(std::uint64_t number) noexcept
     {
-        return *reinterpret_cast<T *>(number);
+        return *reinterpret_cast<T *>(number); // NOLINT(performance-no-int-to-ptr): what add gave
     }
     void remove(std::uint64_t number) { _objects.erase(&at(number)); }
 

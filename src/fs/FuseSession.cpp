@@ -95,7 +95,7 @@ FuseSession::~FuseSession()
 std::optional<MountFailure> FuseSession::start(const std::string &path,
                                                const std::vector<std::string> &options)
 {
-    if (const auto failure = checkFuse(contains(options, "allow_other")))
+    if (auto failure = checkFuse(contains(options, "allow_other")))
         return failure;
     CheckedMountPoint checked =
         checkMount(_delegate->rootPath(), path, contains(options, "nonempty"));
