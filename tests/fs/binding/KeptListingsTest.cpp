@@ -69,7 +69,7 @@ TEST(KeptListingsTest, AFolderThatWasChangedJustNowIsReadAgain)
 
 TEST(KeptListingsTest, AStoreThatCountsInSecondsIsGivenTwo)
 {
-    struct stat folder = changed(1500ms);
+    struct stat folder = changed(500ms);
     EXPECT_TRUE(isSettled(folder));
     folder.st_mtim.tv_nsec = 0;
     EXPECT_FALSE(isSettled(folder));
