@@ -13,7 +13,7 @@
 namespace nimbrel {
 
 class GrowingPiece; // the last short piece, for the next append; stays inside crypto/
-class VectorTable; // the first vectors of a volume, kept; stays inside crypto/
+class VectorTable;  // the first vectors of a volume, kept; stays inside crypto/
 
 struct NBCryptorSettings
 {

@@ -136,7 +136,7 @@ NIMBREL_WIDE_INLINE void encryptRow(const AesSchedule &schedule, Lanes<Groups> &
         transpose(steps[0][group], steps[1][group], steps[2][group], steps[3][group]);
     }
 #pragma GCC unroll 4
-    for (std::size_t i = 0; i < wordBlocks; ++i) {
+    for (std::size_t i = 0; i < wordBlocks; ++i) { // NOLINT(modernize-loop-convert): unrolled
 #pragma GCC unroll 4
         for (std::size_t group = 0; group < Groups; ++group)
             lanes.chain[group] = _mm512_xor_si512(lanes.chain[group], steps[i][group]);

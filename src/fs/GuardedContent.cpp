@@ -156,7 +156,7 @@ NBErrnoOr<std::size_t> GuardedContent::write(NBFileHandle &file, ByteView data, 
     std::size_t done = 0;
     while (done < data.size()) {
         const std::int64_t at = offset + static_cast<std::int64_t>(done);
-        const std::size_t begun = static_cast<std::size_t>(at % blockSize());
+        const auto begun = static_cast<std::size_t>(at % blockSize());
         const std::size_t size = std::min(data.size() - done, largestPiece() - begun);
         const NBErrnoOr<std::size_t> put = writePiece(file, data.subspan(done, size), at);
         if (!put && done > 0)
