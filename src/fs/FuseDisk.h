@@ -23,7 +23,6 @@ struct OpenFile
     NBFileHandle handle;
     Node *node = nullptr;
     bool isWritable = false;
-    int pendingError = 0; // errno of a failed write, told once more by fsync
 };
 
 // The kernel's handles, owned here: what it never gives back goes with the disk.
@@ -74,7 +73,7 @@ struct FuseDisk
     ByteSpan reply;                               // room for the bytes of a reply
     std::unique_lock<std::mutex> *turn = nullptr; // of the thread that serves
     bool dropsPrivileges = false;                 // the write at hand takes set-uid bits away
-    std::optional<mode_t> umask;                  // the thread's, once a request has set it
+    std::optional<mode_t> umask;                  // the threads', once a request has set it
     std::uint64_t greeting = 0;     // the kernel's greeting while it isn't answered; 0: none
     std::function<void()> didStart; // called when the kernel has said hello
     // Makes the kernel ask for a node's attributes before it uses them again.

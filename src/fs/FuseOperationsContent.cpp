@@ -146,34 +146,18 @@ void write(fuse_req_t request, fuse_ino_t, const char *data, std::size_t size, o
                 return dropped;
         const NBErrnoOr<std::size_t> done =
             disk.content.write(file.handle, bytesOf(std::string_view(data, size)), offset);
-        if (!done) {
-            file.pendingError = done.code();
+        if (!done)
             return done.error();
-        }
         file.node->told = 0; // the kernel asks anew after a write
         fuse_reply_write(request, *done);
         return {};
     });
 }
 
-int takePendingError(OpenFile &file)
-{
-    return std::exchange(file.pendingError, 0);
-}
-
-NBDone asDone(int code)
-{
-    return code == 0 ? NBDone() : NBDone(NBErrno{code});
-}
-
 void sync(fuse_req_t request, fuse_ino_t, int dataOnly, fuse_file_info *info)
 {
-    answerDone(request, [&]() -> NBDone {
-        OpenFile &file = fileOf(*info);
-        const NBDone synced = diskOf(request).content.sync(file.handle, dataOnly != 0);
-        const int pending = takePendingError(file);
-        return synced ? asDone(pending) : synced;
-    });
+    answerDone(request,
+               [&] { return diskOf(request).content.sync(fileOf(*info).handle, dataOnly != 0); });
 }
 
 void release(fuse_req_t request, fuse_ino_t, fuse_file_info *info)

@@ -1,4 +1,4 @@
-// libfuse's session of one disk, and the thread that serves it.
+// libfuse's session of one disk, and the threads that serve it.
 #pragma once
 
 #include "fs/FuseDisk.h"
